@@ -1,0 +1,40 @@
+"""The processes that a desk starts, and their certain end."""
+
+import subprocess
+
+# The kernel ends a child whose parent is gone, so that nothing is left behind by a killed run.
+TIED_TO_PARENT = ["setpriv", "--pdeathsig", "KILL", "--"]
+END_LIMIT = 5.0
+
+
+class Children:
+    """Starts processes and ends them in the reverse order. Never touches any other process."""
+
+    def __init__(self, log_folder):
+        self.log_folder = log_folder
+        self._running = []
+
+    def start(self, name, command, **options):
+        """Starts `command` with its output in the log `name`, and gives its Popen."""
+        options.setdefault("stdin", subprocess.DEVNULL)
+        with open(self.log_folder / f"{name}.log", "ab") as log:
+            options.setdefault("stdout", log)
+            child = subprocess.Popen(TIED_TO_PARENT + command, stderr=log, **options)
+        self._running.append(child)
+        return child
+
+    def end(self, child):
+        """Ends one child: politely first, since Xvfb and the sound server then tidy up."""
+        self._running.remove(child)
+        if child.poll() is None:
+            child.terminate()
+        try:
+            child.wait(END_LIMIT)
+        except subprocess.TimeoutExpired:
+            child.kill()
+            child.wait()
+
+    def end_all(self):
+        """Ends every child, the youngest first."""
+        for child in reversed(list(self._running)):
+            self.end(child)

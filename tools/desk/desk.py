@@ -1,0 +1,126 @@
+"""The headless desk: a screen, a sound card and a Wine prefix that belong together."""
+
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+from .children import Children
+from .prefix import (BASE_SETTINGS, HEADLESS_SETTINGS, WINE, WINESERVER, clone_template,
+                     make_template, virtual_desktop_settings, wine_environment)
+from .program import Program
+from .screen import Screen
+from .sound import SoundServer
+from .waiting import DeskError, wait_until
+
+FULL_SCREEN = (1024, 768)
+
+
+class Desk:
+    """A desk to start Windows programs on; use it in a `with` statement.
+
+    `folder` keeps the logs. `screen_size` is that of the X server; with `desktop_size` all
+    programs run in a virtual desktop of that size. Without `sound` there is no sound server.
+    """
+
+    def __init__(self, folder, template, screen_size=FULL_SCREEN, desktop_size=None, sound=True,
+                 settings=None):
+        self.folder = Path(folder)
+        self._template = Path(template)
+        self._screen_size = screen_size
+        self._sound_wanted = sound
+        self._settings = [BASE_SETTINGS, HEADLESS_SETTINGS, settings or {}]
+        if desktop_size:
+            self._settings.append(virtual_desktop_settings(desktop_size))
+
+    def __enter__(self):
+        self.folder.mkdir(parents=True, exist_ok=True)
+        make_template(self._template)
+        # Sockets need short paths, which a checkout's own folder may not have.
+        self._private = Path(tempfile.mkdtemp(prefix="desk-"))
+        self._children = Children(self.folder)
+        self._server = None
+        try:
+            self._set_up()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        if self._server:
+            self._stop_server()
+        self._children.end_all()
+        shutil.rmtree(self._private, ignore_errors=True)
+
+    @property
+    def drive_c(self):
+        return self._prefix / "drive_c"
+
+    def temp_folder(self):
+        """Where Windows programs keep their temporary files."""
+        return next((self.drive_c / "users").glob("*/AppData/Local/Temp"), None) or \
+            next((self.drive_c / "users").glob("*/Temp"))
+
+    def start(self, path, folder, *arguments):
+        """Starts a Windows program with `folder` as its current folder."""
+        command = [WINE, str(path), *arguments]
+        return Program(self._children.start("program", command, cwd=folder,
+                                            env=self._environment))
+
+    def ask(self, path, *arguments, limit=30):
+        """Runs a Windows console program to its end and gives what it printed."""
+        done = subprocess.run([WINE, str(path), *arguments], env=self._environment, text=True,
+                              cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, timeout=limit)
+        if done.returncode != 0:
+            raise DeskError(f"{Path(path).name} {' '.join(arguments)} failed")
+        return done.stdout
+
+    def end_programs(self):
+        """Ends every Windows program of the desk at once."""
+        self._stop_server()
+        self._start_server()
+
+    def press(self, program, *keys):
+        """Presses keys long enough for a program that looks at them once a frame, and lets
+        them go again together. What follows from it is the caller's to wait for."""
+        self.screen.key_down(*keys)
+        program.let_run()
+        self.screen.key_up(*keys)
+
+    def wait_picture(self, seen, what, limit=30.0):
+        """Waits until `seen` says yes to the screen's pixels, and gives those pixels."""
+        def look():
+            pixels = self.screen.pixels()
+            return (pixels,) if seen(pixels) else None
+        return wait_until(look, what, limit)[0]
+
+    def save_picture(self, path):
+        Path(path).parent.mkdir(parents=True, exist_ok=True)
+        self.screen.picture().save(path)
+
+    def _set_up(self):
+        self.screen = Screen(self._children, self._private, self._screen_size)
+        # A server address that leads nowhere is a machine without a sound card.
+        sound_place = {"PULSE_SERVER": f"unix:{self._private}/nowhere"}
+        if self._sound_wanted:
+            self.sound = SoundServer(self._children, self._private)
+            sound_place = self.sound.environment
+        self._prefix = self._private / "prefix"
+        clone_template(self._template, self._prefix, *self._settings)
+        self._environment = wine_environment(
+            self._prefix, DISPLAY=self.screen.display, XDG_RUNTIME_DIR=str(self._private),
+            **sound_place)
+        self._start_server()
+
+    def _start_server(self):
+        """The server in the foreground, kept alive between programs: they start at once, and all
+        of them end with it."""
+        self._server = self._children.start(
+            "wineserver", [WINESERVER, "--foreground", "--persistent"], env=self._environment)
+
+    def _stop_server(self):
+        subprocess.run([WINESERVER, "--kill"], env=self._environment)
+        wait_until(lambda: self._server.poll() is not None, "the end of the Wine server")
+        self._children.end(self._server)

@@ -1,0 +1,89 @@
+"""The menu program as its user meets it: started, steered by keys, read off the screen."""
+
+from pathlib import Path
+
+import numpy
+
+PROGRAM_NAME = "OstrikVelmora2009.exe"
+DATA_NAME = "OstrikVelmora2009.dat"
+INFO_NAME = "ostrik.nfo"
+STAGING_NAME = "Qev"
+WINDOW_CLASS = "MultimediaBase Class"
+
+INTRO_ROWS = range(28)
+INFO_ROW, QUIT_ROW = 28, 29
+ROWS = 30
+ROWS_A_COLUMN = 15
+COLUMN_X = (100, 600)
+LIST_TOP, ROW_STEP = 145, 30
+LIST_BOTTOM = LIST_TOP + ROWS_A_COLUMN * ROW_STEP
+RED = (255, 0, 0)
+
+
+def row_place(row):
+    """The upper left corner of a row's words."""
+    return COLUMN_X[row // ROWS_A_COLUMN], LIST_TOP + row % ROWS_A_COLUMN * ROW_STEP
+
+
+def highlight(pixels):
+    """The red box as (left, top, right, bottom), the last two exclusive, or None without one."""
+    rows, columns = numpy.nonzero((pixels[LIST_TOP:LIST_BOTTOM] == RED).all(axis=2))
+    if len(rows) == 0:
+        return None
+    return (int(columns.min()), LIST_TOP + int(rows.min()),
+            int(columns.max()) + 1, LIST_TOP + int(rows.max()) + 1)
+
+
+def highlighted_row(pixels):
+    """The number of the highlighted row, or None on every other picture than the catalogue's."""
+    box = highlight(pixels)
+    return next((row for row in range(ROWS) if box and box[:2] == row_place(row)), None)
+
+
+class Menu:
+    """A running menu program. `folder` holds program and data file and is its current folder."""
+
+    def __init__(self, desk, folder):
+        self.desk = desk
+        self.folder = Path(folder)
+        self.program = desk.start(self.folder / PROGRAM_NAME, self.folder)
+
+    @property
+    def staging_folder(self):
+        return self.desk.temp_folder() / STAGING_NAME
+
+    def wait_row(self, row):
+        """Waits until the catalogue stands with `row` highlighted, and gives the pixels."""
+        return self.desk.wait_picture(lambda pixels: highlighted_row(pixels) == row,
+                                      f"the menu with row {row} highlighted")
+
+    def wait_up(self, row=0):
+        """Waits for the catalogue and takes the keys. Gives the menu itself."""
+        self.wait_row(row)
+        self.desk.screen.focus_top_window()
+        return self
+
+    def press(self, *keys):
+        self.desk.press(self.program, *keys)
+
+    def step(self, key, row):
+        """Presses `key` and waits until it has led to `row`."""
+        self.press(key)
+        return self.wait_row(row)
+
+    def select(self, row):
+        """Goes to a row from wherever the highlight is, by the shortest way down."""
+        current = highlighted_row(self.desk.screen.pixels())
+        if current // ROWS_A_COLUMN != row // ROWS_A_COLUMN:
+            current = (current + ROWS_A_COLUMN) % ROWS
+            self.step("Right", current)
+        while current != row:
+            column = current // ROWS_A_COLUMN * ROWS_A_COLUMN
+            current = column + (current - column + 1) % ROWS_A_COLUMN
+            self.step("Down", current)
+
+    def wait_unpacked(self, names):
+        """Waits until the staging folder holds each of the files, whole and no longer growing."""
+        from .waiting import wait_until
+        wait_until(lambda: all((self.staging_folder / name).is_file() for name in names),
+                   "the intros to be unpacked")

@@ -1,0 +1,94 @@
+"""Wine prefixes: one template a checkout, made once, and cheap copies of it."""
+
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+from .waiting import DeskError
+
+WINE = "/usr/lib/wine/wine64"
+WINESERVER = "/usr/lib/wine/wineserver64"
+
+# A crash must end the program with its own exit code and without a box that nobody closes.
+# The menus of Mono and Gecko installers must not open, nor entries in a real desktop's menu.
+OVERRIDES = "mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe=d"
+
+BASE_SETTINGS = {
+    r"Software\Wine\WineDbg": {"ShowCrashDialog": 0},
+    # Wine has no "Terminal"; the info page needs a face of fixed pitch.
+    r"Software\Wine\Fonts\Replacements": {"Terminal": "Liberation Mono"},
+}
+
+# Without a window manager a managed window waits two seconds for each hide, and without a
+# graphics card the 3D renderer makes a flip several times as dear.
+HEADLESS_SETTINGS = {
+    r"Software\Wine\X11 Driver": {"Managed": "N"},
+    r"Software\Wine\Direct3D": {"renderer": "no3d"},
+}
+
+
+def virtual_desktop_settings(size):
+    """Every program of the prefix then opens in one desktop window of this size."""
+    width, height = size
+    return {
+        r"Software\Wine\Explorer": {"Desktop": "Ostrik"},
+        r"Software\Wine\Explorer\Desktops": {"Ostrik": f"{width}x{height}"},
+    }
+
+
+def wine_environment(prefix, **more):
+    """The environment for programs of `prefix`. A value of None takes the variable away."""
+    environment = {**os.environ, "WINEPREFIX": str(prefix), "WINEDEBUG": "-all",
+                   "WINEDLLOVERRIDES": OVERRIDES, **more}
+    return {name: value for name, value in environment.items() if value is not None}
+
+
+def make_template(template):
+    """Makes the template prefix if it is not there yet. The first time takes some seconds."""
+    template = Path(template)
+    if template.exists():
+        return
+    if not os.path.exists(WINE):
+        raise DeskError("Wine (64-bit) is not installed: run tools/setup first")
+    unfinished = template.with_name(template.name + ".unfinished")
+    shutil.rmtree(unfinished, ignore_errors=True)
+    unfinished.mkdir(parents=True)
+    environment = wine_environment(unfinished, DISPLAY=None)
+    done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
+                          stdin=subprocess.DEVNULL)
+    # The registry reaches the disk when the server has ended.
+    subprocess.run([WINESERVER, "-w"], env=environment, check=True)
+    if done.returncode != 0 or not (unfinished / "user.reg").exists():
+        raise DeskError(f"Wine could not make a prefix in {unfinished}")
+    os.rename(unfinished, template)
+
+
+def clone_template(template, clone, *settings):
+    """A prefix of its own: own registry, drives and user folders; the system's files linked."""
+    template, clone = Path(template), Path(clone)
+    (clone / "drive_c").mkdir(parents=True)
+    for name in ("system.reg", "user.reg", "userdef.reg", ".update-timestamp"):
+        shutil.copy2(template / name, clone / name)
+    shutil.copytree(template / "dosdevices", clone / "dosdevices", symlinks=True)
+    shutil.copytree(template / "drive_c" / "users", clone / "drive_c" / "users", symlinks=True)
+    for entry in (template / "drive_c").iterdir():
+        if entry.name != "users":
+            (clone / "drive_c" / entry.name).symlink_to(entry)
+    for group in settings:
+        _add_settings(clone / "user.reg", group)
+
+
+def _add_settings(registry_file, settings):
+    """Wine's registry files are text; a section that stands twice is read as one."""
+    with open(registry_file, "a", encoding="ascii") as registry:
+        for key, values in settings.items():
+            registry.write("\n[" + key.replace("\\", "\\\\") + "]\n")
+            for name, value in values.items():
+                registry.write(f'"{name}"={_registry_value(value)}\n')
+
+
+def _registry_value(value):
+    if isinstance(value, int):
+        return f"dword:{value:08x}"
+    return '"' + value.replace("\\", "\\\\") + '"'

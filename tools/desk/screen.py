@@ -1,0 +1,100 @@
+"""A screen without a monitor: an X server, its pixels, its keys and its mouse."""
+
+import os
+import subprocess
+
+import numpy
+from PIL import Image
+
+from .waiting import DeskError, wait_until
+
+FIRST_NUMBER = 150
+NUMBERS = 50
+
+
+class Screen:
+    """One Xvfb of the given size on a display number that nobody else has."""
+
+    def __init__(self, children, folder, size):
+        self.size = size
+        self._children = children
+        self._frame_file = folder / "Xvfb_screen0"
+        self.display = self._start_server(folder)
+        self._environment = {**os.environ, "DISPLAY": self.display}
+        self._pixels = self._map_pixels()
+
+    def pixels(self):
+        """The picture of this moment: an array of rows of red, green, blue, 0 to 255 each."""
+        return self._pixels[:, :, 2::-1].copy()
+
+    def picture(self):
+        return Image.fromarray(self.pixels())
+
+    def key_down(self, *keys):
+        self._xdotool("keydown", *keys)
+
+    def key_up(self, *keys):
+        self._xdotool("keyup", *keys)
+
+    def tap(self, key):
+        """Down and up at once: enough for a program that reads key messages."""
+        self._xdotool("key", key)
+
+    def click(self, x, y, button):
+        self._xdotool("mousemove", str(x), str(y), "click", str(button))
+
+    def focus_top_window(self):
+        """Gives the keys to the window in front; without that every key vanishes."""
+        window = wait_until(self._top_window, "a window that can take the keys")
+        self._xdotool("windowfocus", "--sync", window)
+
+    def windows(self, title):
+        """The numbers of the visible windows whose title holds `title`."""
+        return self._search(title)
+
+    def _start_server(self, folder):
+        first = os.getpid() % NUMBERS
+        for step in range(NUMBERS):
+            display = f":{FIRST_NUMBER + (first + step) % NUMBERS}"
+            if self._try_display(display, folder):
+                return display
+        raise DeskError("no display number is free for the headless screen")
+
+    def _try_display(self, display, folder):
+        width, height = self.size
+        # -noreset: a server that starts over when its last window goes would lose the settings
+        # that Wine made at the start of its prefix.
+        server = self._children.start(
+            "xvfb",
+            ["Xvfb", display, "-screen", "0", f"{width}x{height}x24", "-noreset",
+             "-nolisten", "tcp", "-fbdir", str(folder)])
+        wait_until(lambda: server.poll() is not None or self._answers(display),
+                   "the X server to start")
+        return server.poll() is None
+
+    def _answers(self, display):
+        return os.path.exists(f"/tmp/.X11-unix/X{display[1:]}") and self._frame_file.exists() \
+            and subprocess.run(["xdotool", "getdisplaygeometry"], capture_output=True,
+                               env={**os.environ, "DISPLAY": display}).returncode == 0
+
+    def _map_pixels(self):
+        """The server keeps its frame in a mapped XWD file: reading it needs no X client."""
+        header = numpy.fromfile(self._frame_file, dtype=">u4", count=20)
+        start = int(header[0] + header[19] * 12)
+        return numpy.memmap(self._frame_file, dtype=numpy.uint8, mode="r", offset=start,
+                            shape=(int(header[5]), int(header[12]) // 4, 4))
+
+    def _top_window(self):
+        found = self._search(".")
+        return found[-1] if found else None
+
+    def _search(self, title):
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
+                               capture_output=True, text=True, env=self._environment)
+        return found.stdout.split()
+
+    def _xdotool(self, *words):
+        done = subprocess.run(["xdotool", *words], capture_output=True, text=True,
+                              env=self._environment)
+        if done.returncode != 0:
+            raise DeskError(f"xdotool {' '.join(words)} failed: {done.stderr.strip()}")
