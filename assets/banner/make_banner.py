@@ -1,5 +1,9 @@
 #!/usr/bin/python3
-"""Draws the banner and writes assets/banner.bmp, or the file named on the command line."""
+"""Draws the banner and writes assets/banner.bmp, or the file named on the command line.
+
+The picture: a flock of birds that grows out of plain tiles and flies apart to both sides, and in
+front of it the lettering. It fades to black at its border, where the menu's black screen goes on.
+"""
 
 import pathlib
 import sys
@@ -7,28 +11,35 @@ import sys
 import numpy as np
 
 from bitmap import bmp_bytes, to_565
-from geometry import signed_distance
-from letters import laid_out
+from flock import paint_flock
+from lettering import paint_lettering
+from light import blurred, ramp
+from sheet import HEIGHT, WIDTH, Sheet
 
-WIDTH, HEIGHT = 640, 135
-GRAIN = 3
+
+def with_bloom(picture):
+    """What is brightest shines over its surroundings."""
+    bright = np.clip(picture - 0.75, 0, 1)
+    return picture + 0.5 * blurred(bright, 2.0) + 0.6 * blurred(bright, 7.0)
 
 
-def draw():
-    y, x = np.mgrid[0:HEIGHT * GRAIN, 0:WIDTH * GRAIN]
-    x, y = (x + 0.5) / GRAIN, (y + 0.5) / GRAIN
-    d = np.full(x.shape, -1e9)
-    for shape in laid_out("OSTRIK", 320, 28, 78):
-        d = np.maximum(d, signed_distance(x, y, shape))
-    f = np.clip(d * 3, 0, 1) * (0.6 + 0.4 * np.clip(d / 4, 0, 1))
-    picture = np.dstack([f, f * (1 - y / 200), f * 0.3])
-    return picture.reshape(HEIGHT, GRAIN, WIDTH, GRAIN, 3).mean(axis=(1, 3))
+def faded_at_the_border(picture):
+    y, x = np.mgrid[0:HEIGHT, 0:WIDTH]
+    border = np.minimum(np.minimum(x, WIDTH - 1 - x), np.minimum(y, HEIGHT - 1 - y))
+    return np.clip(picture, 0, 1) * ramp(1, 10, border)[..., None]
+
+
+def drawn():
+    sheet = Sheet()
+    paint_flock(sheet)
+    paint_lettering(sheet)
+    return faded_at_the_border(with_bloom(sheet.pixels()))
 
 
 def main():
     here = pathlib.Path(__file__).resolve().parent
     target = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else here.parent / "banner.bmp"
-    target.write_bytes(bmp_bytes(to_565(draw())))
+    target.write_bytes(bmp_bytes(to_565(drawn())))
 
 
 if __name__ == "__main__":
