@@ -1,0 +1,19 @@
+// The road of the intros: the data file is copied into a private folder under the temp folder and
+// run there, so that it unpacks the intros beside itself; later each launch runs one of them from
+// there. The extractor runs unwatched: the menu comes up at once and never learns when, or whether,
+// it has finished.
+#pragma once
+
+// Takes the folders and builds the paths.
+void Staging_BuildPaths();
+
+// Clears the folder, stages the data file and starts it. Does not come back if there is no data
+// file: the program ends with a message.
+void Staging_Run();
+
+// Stops the music, gives the screen back, runs the intro to its end and lets the music go on. The
+// screen is closed afterwards. An intro that cannot be started is waited for without end.
+void Staging_LaunchIntro(const char* exeName);
+
+// Deletes the folder with all that is in it.
+void Staging_RemoveFolder();
