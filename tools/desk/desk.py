@@ -5,9 +5,12 @@ import subprocess
 import tempfile
 from pathlib import Path
 
+from PIL import Image
+
 from .children import Children
 from .prefix import (BASE_SETTINGS, HEADLESS_SETTINGS, WINE, WINESERVER, clone_template,
-                     make_template, virtual_desktop_settings, wine_environment)
+                     make_template, temp_folder_settings, virtual_desktop_settings,
+                     wine_environment)
 from .program import Program
 from .screen import Screen
 from .sound import SoundServer
@@ -21,17 +24,21 @@ class Desk:
 
     `folder` keeps the logs. `screen_size` is that of the X server; with `desktop_size` all
     programs run in a virtual desktop of that size. Without `sound` there is no sound server.
+    `temp_name` is the name of a temp folder on drive C, for another one than Wine's own.
     """
 
     def __init__(self, folder, template, screen_size=FULL_SCREEN, desktop_size=None, sound=True,
-                 settings=None):
+                 temp_name=None):
         self.folder = Path(folder)
         self._template = Path(template)
         self._screen_size = screen_size
         self._sound_wanted = sound
-        self._settings = [BASE_SETTINGS, HEADLESS_SETTINGS, settings or {}]
+        self._temp_name = temp_name
+        self._settings = [BASE_SETTINGS, HEADLESS_SETTINGS]
         if desktop_size:
             self._settings.append(virtual_desktop_settings(desktop_size))
+        if temp_name:
+            self._settings.append(temp_folder_settings(temp_name))
 
     def __enter__(self):
         self.folder.mkdir(parents=True, exist_ok=True)
@@ -57,10 +64,12 @@ class Desk:
     def drive_c(self):
         return self._prefix / "drive_c"
 
+    @property
     def temp_folder(self):
-        """Where Windows programs keep their temporary files."""
-        return next((self.drive_c / "users").glob("*/AppData/Local/Temp"), None) or \
-            next((self.drive_c / "users").glob("*/Temp"))
+        """Where Windows programs of this desk keep their temporary files."""
+        if self._temp_name:
+            return self.drive_c / self._temp_name
+        return next((self.drive_c / "users").glob("*/Temp"))
 
     def start(self, path, folder, *arguments):
         """Starts a Windows program with `folder` as its current folder."""
@@ -77,10 +86,18 @@ class Desk:
             raise DeskError(f"{Path(path).name} {' '.join(arguments)} failed")
         return done.stdout
 
-    def end_programs(self):
-        """Ends every Windows program of the desk at once."""
-        self._stop_server()
-        self._start_server()
+    def program_names(self):
+        """The file names of all Windows programs that run on this desk, Wine's own included."""
+        mark = f"WINEPREFIX={self._prefix}\0".encode()
+        names = []
+        for process in Path("/proc").glob("[0-9]*"):
+            try:
+                if mark in (process / "environ").read_bytes():
+                    command = (process / "cmdline").read_bytes().split(b"\0")[0].decode()
+                    names.append(command.strip('"').replace("\\", "/").rsplit("/", 1)[-1])
+            except OSError:
+                continue  # gone meanwhile
+        return names
 
     def press(self, program, *keys):
         """Presses keys long enough for a program that looks at them once a frame, and lets
@@ -96,9 +113,10 @@ class Desk:
             return (pixels,) if seen(pixels) else None
         return wait_until(look, what, limit)[0]
 
-    def save_picture(self, path):
+    def save_picture(self, path, pixels=None):
+        """Writes pixels taken earlier, or the screen as it is now."""
         Path(path).parent.mkdir(parents=True, exist_ok=True)
-        self.screen.picture().save(path)
+        Image.fromarray(self.screen.pixels() if pixels is None else pixels).save(path)
 
     def _set_up(self):
         self.screen = Screen(self._children, self._private, self._screen_size)
@@ -109,9 +127,10 @@ class Desk:
             sound_place = self.sound.environment
         self._prefix = self._private / "prefix"
         clone_template(self._template, self._prefix, *self._settings)
+        self.temp_folder.mkdir(exist_ok=True)
         self._environment = wine_environment(
             self._prefix, DISPLAY=self.screen.display, XDG_RUNTIME_DIR=str(self._private),
-            **sound_place)
+            TMPDIR=str(self._private), **sound_place)
         self._start_server()
 
     def _start_server(self):
@@ -119,8 +138,14 @@ class Desk:
         of them end with it."""
         self._server = self._children.start(
             "wineserver", [WINESERVER, "--foreground", "--persistent"], env=self._environment)
+        # A program that comes too early would start a second server.
+        wait_until(lambda: self._signal_server(0), "the Wine server to start")
 
     def _stop_server(self):
-        subprocess.run([WINESERVER, "--kill"], env=self._environment)
+        self._signal_server(2)
         wait_until(lambda: self._server.poll() is not None, "the end of the Wine server")
         self._children.end(self._server)
+
+    def _signal_server(self, number):
+        """Signal 0 only asks whether the server is there; 2 ends it with all its programs."""
+        return subprocess.run([WINESERVER, f"--kill={number}"], env=self._environment).returncode == 0

@@ -4,10 +4,13 @@ from pathlib import Path
 
 import numpy
 
+from .waiting import wait_until
+
 PROGRAM_NAME = "OstrikVelmora2009.exe"
 DATA_NAME = "OstrikVelmora2009.dat"
 INFO_NAME = "ostrik.nfo"
 STAGING_NAME = "Qev"
+STAGED_NAME = "BlahBlubber.exe"
 WINDOW_CLASS = "MultimediaBase Class"
 
 INTRO_ROWS = range(28)
@@ -50,7 +53,7 @@ class Menu:
 
     @property
     def staging_folder(self):
-        return self.desk.temp_folder() / STAGING_NAME
+        return self.desk.temp_folder / STAGING_NAME
 
     def wait_row(self, row):
         """Waits until the catalogue stands with `row` highlighted, and gives the pixels."""
@@ -72,18 +75,22 @@ class Menu:
         return self.wait_row(row)
 
     def select(self, row):
-        """Goes to a row from wherever the highlight is, by the shortest way down."""
+        """Goes to a row from wherever the highlight is, by the shortest way."""
         current = highlighted_row(self.desk.screen.pixels())
         if current // ROWS_A_COLUMN != row // ROWS_A_COLUMN:
             current = (current + ROWS_A_COLUMN) % ROWS
             self.step("Right", current)
+        column = row // ROWS_A_COLUMN * ROWS_A_COLUMN
+        down = (row - current) % ROWS_A_COLUMN
+        key, way = ("Down", 1) if down <= ROWS_A_COLUMN // 2 else ("Up", -1)
         while current != row:
-            column = current // ROWS_A_COLUMN * ROWS_A_COLUMN
-            current = column + (current - column + 1) % ROWS_A_COLUMN
-            self.step("Down", current)
+            current = column + (current - column + way) % ROWS_A_COLUMN
+            self.step(key, current)
 
-    def wait_unpacked(self, names):
-        """Waits until the staging folder holds each of the files, whole and no longer growing."""
-        from .waiting import wait_until
-        wait_until(lambda: all((self.staging_folder / name).is_file() for name in names),
-                   "the intros to be unpacked")
+    def wait_unpacked(self):
+        """Waits until the self-extractor has done its work and ended."""
+        wait_until(self._is_unpacked, "the intros to be unpacked")
+
+    def _is_unpacked(self):
+        return (self.staging_folder / STAGED_NAME).exists() and \
+            STAGED_NAME not in self.desk.program_names()

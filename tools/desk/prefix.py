@@ -3,6 +3,7 @@
 import os
 import shutil
 import subprocess
+import tempfile
 from pathlib import Path
 
 from .waiting import DeskError
@@ -37,6 +38,11 @@ def virtual_desktop_settings(size):
     }
 
 
+def temp_folder_settings(name):
+    """Another temp folder than the one under the user's profile: `name` on drive C."""
+    return {"Environment": {"TEMP": "C:\\" + name, "TMP": "C:\\" + name}}
+
+
 def wine_environment(prefix, **more):
     """The environment for programs of `prefix`. A value of None takes the variable away."""
     environment = {**os.environ, "WINEPREFIX": str(prefix), "WINEDEBUG": "-all",
@@ -54,11 +60,12 @@ def make_template(template):
     unfinished = template.with_name(template.name + ".unfinished")
     shutil.rmtree(unfinished, ignore_errors=True)
     unfinished.mkdir(parents=True)
-    environment = wine_environment(unfinished, DISPLAY=None)
-    done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
-                          stdin=subprocess.DEVNULL)
-    # The registry reaches the disk when the server has ended.
-    subprocess.run([WINESERVER, "-w"], env=environment, check=True)
+    with tempfile.TemporaryDirectory(prefix="desk-") as sockets:
+        environment = wine_environment(unfinished, DISPLAY=None, TMPDIR=sockets)
+        done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
+                              stdin=subprocess.DEVNULL)
+        # The registry reaches the disk when the server has ended.
+        subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
     if done.returncode != 0 or not (unfinished / "user.reg").exists():
         raise DeskError(f"Wine could not make a prefix in {unfinished}")
     os.rename(unfinished, template)

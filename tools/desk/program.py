@@ -23,10 +23,22 @@ class Program:
         wait_until(lambda: not self.alive(), "the program to end", limit)
         return self.process.returncode
 
+    def kill(self):
+        """Ends the program from outside, without a chance to tidy up, and gives its exit code."""
+        if self.alive():
+            self.process.kill()
+        return self.process.wait()
+
     def cpu_seconds(self):
         """The processor time that the program has used in all its threads."""
         fields = Path(f"/proc/{self.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
+
+    def cpu_share(self, seconds):
+        """The share of one processor that the program takes in the coming `seconds`."""
+        begin, used = time.monotonic(), self.cpu_seconds()
+        time.sleep(seconds)  # the measured interval itself, not a wait for something
+        return (self.cpu_seconds() - used) / (time.monotonic() - begin)
 
     def pauses(self):
         """How often the main thread has given up the processor so far. It does so several times

@@ -4,7 +4,6 @@ import os
 import subprocess
 
 import numpy
-from PIL import Image
 
 from .waiting import DeskError, wait_until
 
@@ -26,9 +25,6 @@ class Screen:
     def pixels(self):
         """The picture of this moment: an array of rows of red, green, blue, 0 to 255 each."""
         return self._pixels[:, :, 2::-1].copy()
-
-    def picture(self):
-        return Image.fromarray(self.pixels())
 
     def key_down(self, *keys):
         self._xdotool("keydown", *keys)

@@ -1,0 +1,189 @@
+"""The tests' own Windows programs, the folder that the menu starts from, and the yardstick page."""
+
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+import numpy
+
+from catalogue import INTRO_FILES, ROWS, WELCOME
+from desk import wait_until
+from desk.menu import DATA_NAME, INFO_NAME, LIST_TOP, PROGRAM_NAME, Menu, row_place
+
+ROOT = Path(__file__).resolve().parents[2]
+BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
+SOURCES = Path(__file__).parent / "programs"
+PROBE_GREEN = (0, 128, 64)
+MODULE_BYTES = 13933
+
+COMPILERS = {".c": "x86_64-w64-mingw32-gcc-posix", ".cpp": "x86_64-w64-mingw32-g++-posix"}
+COMPILE = ["-O1", "-Wall", "-Wextra", "-Werror", "-s", "-static"]
+
+
+class Helpers:
+    """Compiles the helping programs when they are asked for and older than their sources."""
+
+    def __init__(self, folder):
+        self._folder = folder
+        folder.mkdir(parents=True, exist_ok=True)
+
+    @property
+    def probe(self):
+        return self._built("probe.c", "-mwindows", "-lgdi32")
+
+    @property
+    def look(self):
+        return self._built("look.c")
+
+    @property
+    def page(self):
+        return self._built("page.c", "-lgdi32")
+
+    @property
+    def render(self):
+        library = next(iter(sorted(BUILD.glob("libmodplug/**/libmodplug.a"))), None)
+        assert library, "build the program first: libmodplug comes with it"
+        include = next(iter(sorted(library.parent.parent.glob("**/libmodplug/modplug.h"))))
+        return self._built("render.cpp", "-DMODPLUG_STATIC", f"-I{include.parent.parent}",
+                           str(library))
+
+    def _built(self, source, *options):
+        source, program = SOURCES / source, self._folder / Path(source).with_suffix(".exe")
+        if not program.exists() or program.stat().st_mtime < source.stat().st_mtime:
+            compiler = COMPILERS[source.suffix]
+            subprocess.run([compiler, *COMPILE, str(source), "-o", str(program), *options],
+                           check=True)
+        return program
+
+
+class Stall:
+    """A folder with the program and, in place of a self-extractor, the probe."""
+
+    def __init__(self, folder, helpers):
+        self.folder = Path(folder)
+        self._helpers = helpers
+        shutil.copy2(BUILD / PROGRAM_NAME, self.folder)
+        self.set_data(helpers.probe)
+
+    @property
+    def data_file(self):
+        return self.folder / DATA_NAME
+
+    def set_data(self, source):
+        shutil.copy2(source, self.data_file)
+
+    def set_info(self, content):
+        (self.folder / INFO_NAME).write_bytes(content)
+
+    def open_menu(self, desk, unpacks=INTRO_FILES):
+        """Starts the menu, without waiting for its picture. `unpacks` is what the data file is
+        to write into the staging folder."""
+        orders = desk.drive_c / "probe"
+        shutil.rmtree(orders, ignore_errors=True)
+        orders.mkdir()
+        (orders / "names.txt").write_text("".join(name + "\n" for name in unpacks))
+        return Menu(desk, self.folder)
+
+
+class Windows:
+    """The visible windows of a desk by class: title, place and texts."""
+
+    def __init__(self, desk, helpers):
+        self._listed = [line.split("\t") for line in desk.ask(helpers.look).splitlines()]
+
+    def titles(self, window_class):
+        return [words[1] for words in self._listed if words[0] == window_class]
+
+    def texts(self, title):
+        return next((words[3:] for words in self._listed if words[1] == title), None)
+
+    def classes(self):
+        return {words[0] for words in self._listed}
+
+
+def wait_box(desk, helpers, title):
+    """Waits for a message box and gives the texts on it, its button's included."""
+    return wait_until(lambda: Windows(desk, helpers).texts(title), f"a box titled {title}")
+
+
+def wait_report(desk, number):
+    """Waits for what the probe wrote down on its n-th run: program, folder, command and mode."""
+    report = desk.drive_c / "probe" / f"run-{number:03}.txt"
+    wait_until(report.exists, f"the report of run {number}")
+    return dict(line.split("=", 1) for line in report.read_text().splitlines())
+
+
+def reports(desk):
+    """How many runs have been reported."""
+    return len(list((desk.drive_c / "probe").glob("run-*.txt")))
+
+
+def shows_probe(pixels):
+    return (pixels[10:190:20, 10:310:20] >> 3 == numpy.array(PROBE_GREEN) >> 3).all()
+
+
+def launch(menu, desk):
+    """Presses Enter, waits for the probe's window and gives what the probe wrote down."""
+    number = reports(desk) + 1
+    menu.press("Return")
+    report = wait_report(desk, number)
+    desk.wait_picture(shows_probe, "the probe's window")
+    desk.screen.focus_top_window()
+    return report
+
+
+def launch_and_leave(menu, desk, row):
+    report = launch(menu, desk)
+    desk.screen.tap("Escape")
+    menu.wait_up(row)
+    return report
+
+
+def as_565(pixels):
+    """The picture in the depth that the menu draws in; the X server shows it with more bits."""
+    parts = pixels.astype(numpy.uint16)
+    return parts[:, :, 0] >> 3 << 11 | parts[:, :, 1] >> 2 << 5 | parts[:, :, 2] >> 3
+
+
+def draw_page(desk, helpers, lines):
+    """What GDI makes of a list of drawing lines, as a 5-6-5 picture."""
+    drawing, out = desk.folder / "page.txt", desk.folder / "page.565"
+    drawing.write_bytes(b"".join(line + b"\n" for line in lines))
+    desk.ask(helpers.page, "page.txt", "page.565")
+    return numpy.fromfile(out, dtype="<u2").reshape(768, 1024)
+
+
+def banner_line():
+    path = "Z:" + str(ROOT / "assets" / "banner.bmp").replace("/", "\\")
+    return f"bitmap\t192\t0\t{path}".encode()
+
+
+def catalogue_page(desk, helpers, selected):
+    """The yardstick for the catalogue page with one row highlighted."""
+    lines = [banner_line(), b"font\tArial\t14"]
+    for row, (title, _) in enumerate(ROWS):
+        x, y = row_place(row)
+        back = "ff0000" if row == selected else "000000"
+        lines.append(f"text\t{x}\t{y}\tffffff\t{back}\t{title}".encode())
+    lines.append(b"font\tArial\t10")
+    lines += [f"text\t100\t{620 + 20 * n}\t00ffff\t000000\t{words}".encode()
+              for n, words in enumerate(WELCOME)]
+    return draw_page(desk, helpers, lines)
+
+
+def info_page(desk, helpers, shown):
+    """The yardstick for the info page with these lines on it."""
+    lines = [banner_line(), b"font\tTerminal\t10"]
+    lines += [b"text\t100\t%d\tffffff\t000000\t%s" % (LIST_TOP + 10 * n, words)
+              for n, words in enumerate(shown) if words]
+    return draw_page(desk, helpers, lines)
+
+
+def render_song(desk, helpers, pieces):
+    """The program's own module in the library's rendering: an array of rows of left, right."""
+    program = (BUILD / PROGRAM_NAME).read_bytes()
+    start = program.index(b"Extended Module: ")
+    (desk.folder / "song.xm").write_bytes(program[start:start + MODULE_BYTES])
+    desk.ask(helpers.render, "song.xm", str(pieces), "song.raw", limit=120)
+    return numpy.fromfile(desk.folder / "song.raw", dtype="<i2").reshape(-1, 2)

@@ -1,0 +1,68 @@
+"""All intros of a pack, one after the other: run from the menu, looked at, left again."""
+
+import time
+from collections import namedtuple
+
+import numpy
+from PIL import Image, ImageDraw
+
+from .menu import INTRO_ROWS, highlight
+from .waiting import wait_until
+
+COLUMNS = 7
+THUMBNAIL = (256, 192)
+CAPTION_HEIGHT = 16
+MOVED_PIXELS = 100
+
+# One intro as it was seen: its row, its file, its first picture and a later one.
+Shot = namedtuple("Shot", "row name first later")
+
+
+def show(menu, row, name, seconds=0.0):
+    """Runs the intro of the selected row and leaves it again. Gives a Shot of it, the later
+    picture taken when it has moved and `seconds` have passed; the menu is then back."""
+    menu.press("Return")
+    wait_until(lambda: name in menu.desk.program_names(), f"{name} to run")
+    first = menu.desk.wait_picture(lambda pixels: pixels.any() and highlight(pixels) is None,
+                                   f"a picture of {name}")
+    time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
+    later = menu.desk.wait_picture(
+        lambda pixels: (pixels != first).any(axis=2).sum() > MOVED_PIXELS,
+        f"movement in the picture of {name}")
+    menu.desk.screen.focus_top_window()
+    menu.desk.screen.tap("Escape")
+    menu.wait_up(row)
+    return Shot(row, name, first, later)
+
+
+def walk(menu, names, seconds=0.0):
+    """Gives a Shot of every intro of the menu, row by row."""
+    for row in INTRO_ROWS:
+        menu.select(row)
+        yield show(menu, row, names[row], seconds)
+
+
+def contact_sheet(shots):
+    """One picture of all the later pictures, with the files' names under them."""
+    width, height = THUMBNAIL
+    lines = -(-len(shots) // COLUMNS)
+    sheet = Image.new("RGB", (COLUMNS * width, lines * (height + CAPTION_HEIGHT)))
+    pen = ImageDraw.Draw(sheet)
+    for number, shot in enumerate(shots):
+        left = number % COLUMNS * width
+        top = number // COLUMNS * (height + CAPTION_HEIGHT)
+        sheet.paste(_thumbnail(shot), (left, top))
+        pen.text((left + 4, top + height + 2), shot.name.removesuffix(".exe"), fill="white")
+    return sheet
+
+
+def _thumbnail(shot):
+    """The intro without the black around it, on a ground of the thumbnail's size."""
+    rows, columns = numpy.nonzero(shot.later.any(axis=2) | shot.first.any(axis=2))
+    used = shot.later[rows.min():rows.max() + 1, columns.min():columns.max() + 1]
+    picture = Image.fromarray(used)
+    picture.thumbnail(THUMBNAIL)
+    ground = Image.new("RGB", THUMBNAIL)
+    ground.paste(picture, ((THUMBNAIL[0] - picture.width) // 2,
+                           (THUMBNAIL[1] - picture.height) // 2))
+    return ground
