@@ -27,11 +27,16 @@ constexpr ClosingRole closes(int argument) { return {argument, false}; }
 constexpr ClosingRole closesAtZero(int argument) { return {argument, true}; }
 
 // The arguments of a call as they are to be shown; specialised where their types do not tell.
-template <typename Hook> struct ShownAs {
-    template <typename... Args> static auto of(Args&... args) { return std::tie(args...); }
+template <typename Hook>
+struct ShownAs {
+    template <typename... Args>
+    static auto of(Args&... args) {
+        return std::tie(args...);
+    }
 };
 
-template <typename T> uint64_t rawValue(const T& value) {
+template <typename T>
+uint64_t rawValue(const T& value) {
     if constexpr (std::is_pointer_v<T>)
         return reinterpret_cast<uint64_t>(value);
     else if constexpr (std::is_integral_v<T>)
@@ -41,7 +46,8 @@ template <typename T> uint64_t rawValue(const T& value) {
 }
 
 // Did the call do what it promises, so that what it writes to is there to be shown?
-template <typename R> bool isSuccess(R result) {
+template <typename R>
+bool isSuccess(R result) {
     if constexpr (std::is_same_v<R, HRESULT>)
         return result >= 0;
     else if constexpr (std::is_pointer_v<R>)
@@ -50,7 +56,8 @@ template <typename R> bool isSuccess(R result) {
         return result != 0;
 }
 
-template <typename R> R resultFrom(int64_t value) {
+template <typename R>
+R resultFrom(int64_t value) {
     if constexpr (std::is_pointer_v<R>)
         return reinterpret_cast<R>(value);
     else
@@ -59,6 +66,7 @@ template <typename R> R resultFrom(int64_t value) {
 
 template <typename Hook, typename... Args>
 ShownArguments showArguments(call_text::Known known, Args&... args) {
+    const QuietScope quiet;
     ShownArguments shown;
     size_t count = 0;
     ((shown.raw[count++] = rawValue(args)), ...);
@@ -71,6 +79,7 @@ ShownArguments showArguments(call_text::Known known, Args&... args) {
 // As shown before the call, but for what the call has written.
 template <typename Hook, typename... Args>
 void showWritten(ShownArguments& shown, Args&... args) {
+    const QuietScope quiet;
     size_t at = 0;
     const auto update = [&](const auto& part) {
         if constexpr (call_text::isWrittenByCall<std::remove_cvref_t<decltype(part)>>)
@@ -78,6 +87,12 @@ void showWritten(ShownArguments& shown, Args&... args) {
         ++at;
     };
     std::apply([&](const auto&... parts) { (update(parts), ...); }, ShownAs<Hook>::of(args...));
+}
+
+template <typename R>
+std::string showResult(R result) {
+    const QuietScope quiet;
+    return call_text::show(result, call_text::Known::now);
 }
 
 // The routine that a program gets for `name`: a hook where one is known, which then leads on to
@@ -89,7 +104,9 @@ R watched(R (*real)(Args...), Args... args) {
     if (!WatchedCall::isWanted())
         return real(args...);
     WatchedCall call(Hook::site);
-    const auto goOn = [&] { return Hook::replacement ? Hook::replacement(args...) : real(args...); };
+    const auto goOn = [&] {
+        return Hook::replacement ? Hook::replacement(args...) : real(args...);
+    };
     ShownArguments shown = showArguments<Hook>(call_text::Known::not_yet, args...);
     call.begin(shown);
     if constexpr (std::is_void_v<R>) {
@@ -106,14 +123,16 @@ R watched(R (*real)(Args...), Args... args) {
         if constexpr (std::is_same_v<R, FARPROC>)
             result = watchFetched(reinterpret_cast<const char*>(shown.raw[1]), result);
         call.noteNames(shown, rawValue(result));
-        call.end(shown, call_text::show(result, call_text::Known::now));
+        call.end(shown, showResult(result));
         return result;
     }
 }
 
-template <typename Hook, typename Function> struct FunctionHook;
+template <typename Hook, typename Function>
+struct FunctionHook;
 
-template <typename Hook, typename R, typename... Args> struct FunctionHook<Hook, R (*)(Args...)> {
+template <typename Hook, typename R, typename... Args>
+struct FunctionHook<Hook, R (*)(Args...)> {
     static inline R (*real)(Args...) = nullptr;
     static inline std::function<R(Args...)> replacement;
 
@@ -124,13 +143,15 @@ template <typename Hook, typename R, typename... Args> struct FunctionHook<Hook,
 void* originalMethod(void* object, size_t slot);
 
 // The number of a virtual method in its table: member pointers hold its offset plus 1.
-template <typename Method> size_t slotOf(Method method) {
+template <typename Method>
+size_t slotOf(Method method) {
     intptr_t offset = 0;
     memcpy(&offset, &method, sizeof offset);
     return static_cast<size_t>(offset - 1) / sizeof(void*);
 }
 
-template <typename Hook, typename Method> struct MethodHook;
+template <typename Hook, typename Method>
+struct MethodHook;
 
 template <typename Hook, typename Interface, typename R, typename... Args>
 struct MethodHook<Hook, R (Interface::*)(Args...)> {

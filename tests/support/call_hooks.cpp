@@ -25,12 +25,14 @@ struct MethodEntry {
     void (*reset)();
 };
 
-template <typename Hook> FunctionEntry functionEntry(bool isFetched) {
-    return {&Hook::site, reinterpret_cast<void*>(&Hook::call), reinterpret_cast<void**>(&Hook::real),
-            [] { Hook::replacement = nullptr; }, isFetched};
+template <typename Hook>
+FunctionEntry functionEntry(bool isFetched) {
+    return {&Hook::site, reinterpret_cast<void*>(&Hook::call),
+            reinterpret_cast<void**>(&Hook::real), [] { Hook::replacement = nullptr; }, isFetched};
 }
 
-template <typename Hook> MethodEntry methodEntry() {
+template <typename Hook>
+MethodEntry methodEntry() {
     return {&Hook::site, reinterpret_cast<void*>(&Hook::call),
             [] { return hook_detail::slotOf(Hook::method()); },
             [] { Hook::replacement = nullptr; }};
@@ -104,7 +106,8 @@ void restoreTables() {
     patchedTables.clear();
 }
 
-template <typename Entry> bool hasName(const Entry& entry, std::string_view name) {
+template <typename Entry>
+bool hasName(const Entry& entry, std::string_view name) {
     return entry.site->name == name;
 }
 

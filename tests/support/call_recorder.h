@@ -70,16 +70,19 @@ public:
     int uses(std::string_view call) const;
 
     // Record only these, or all but these. An entry is a call ("Sleep", "IDirectDraw7::Release")
-    // or a family: a library ("GDI32") or an interface ("IDirectDraw7").
+    // or a family: a library ("GDI32") or an interface ("IDirectDraw7"). The critical section
+    // functions are recorded only when named here, since the C library calls them as well.
     void only(std::initializer_list<const char*> callsOrFamilies);
     void except(std::initializer_list<const char*> callsOrFamilies);
 
     // Gives a handle or an address its name in the lines.
-    template <typename T> void name(T* value, const char* text) {
+    template <typename T>
+    void name(T* value, const char* text) {
         nameAddress(reinterpret_cast<uint64_t>(value), text);
     }
 
-    // Also writes every call to the standard output as it begins: for a run that will not come back.
+    // Also writes every call to the standard output as it begins: for a run that will not come
+    // back.
     void echo();
 
     // The thread whose calls take() gives; at first the one that made the recorder.
@@ -99,11 +102,15 @@ public:
     void after(std::string_view call, int nth, std::function<void()> action);
 
     // Every use goes to `routine` from here on. It may call original<Hook>() itself.
-    template <typename Hook, typename Routine> void replace(Routine routine) {
+    template <typename Hook, typename Routine>
+    void replace(Routine routine) {
         requireHook(Hook::name);
         Hook::replacement = std::move(routine);
     }
-    template <typename Hook> static auto original() { return Hook::real; }
+    template <typename Hook>
+    static auto original() {
+        return Hook::real;
+    }
 
     // --- Counting what was handed out and not given back ---
 
@@ -116,14 +123,4 @@ public:
 private:
     void nameAddress(uint64_t value, const char* text);
     static void requireHook(std::string_view call);
-};
-
-// While one lives, this thread's calls go straight to Windows and are not seen: for the test's own
-// work in the middle of a recording, and for the inside of stand-ins.
-class QuietScope {
-public:
-    QuietScope();
-    ~QuietScope();
-    QuietScope(const QuietScope&) = delete;
-    QuietScope& operator=(const QuietScope&) = delete;
 };

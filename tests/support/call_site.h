@@ -52,6 +52,16 @@ struct ShownArguments {
     std::array<uint64_t, 16> raw = {};
 };
 
+// While one lives, this thread's calls go straight to Windows and are not seen: for the test's own
+// work in the middle of a recording, and for the inside of stand-ins.
+class QuietScope {
+public:
+    QuietScope();
+    ~QuietScope();
+    QuietScope(const QuietScope&) = delete;
+    QuietScope& operator=(const QuietScope&) = delete;
+};
+
 class WatchedCall {
 public:
     // Whether a recorder lives and this thread is not in a QuietScope. Keeps the last error.
@@ -77,6 +87,7 @@ public:
     void end(const ShownArguments& arguments, const std::string& resultText);
 
 private:
+    void findFailure();
     void runActions(bool isBefore) const;
 
     CallSite& site;
@@ -85,5 +96,5 @@ private:
     int use = 0;
     bool failing = false;
     PlannedFailure failure;
-    DWORD lastError = 0;
+    DWORD lastError; // of before the call, then of the call
 };

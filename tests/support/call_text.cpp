@@ -21,15 +21,15 @@ std::string braces(std::initializer_list<std::string> parts) {
     return text + "}";
 }
 
-template <typename T> std::string value(T plain) {
+template <typename T>
+std::string value(T plain) {
     return call_text::show(plain, call_text::Known::now);
 }
 
 std::string escaped(char letter) {
     switch (letter) {
     case '"':
-    case '\\':
-        return std::string("\\") + letter;
+    case '\\': return std::string("\\") + letter;
     case '\n': return "\\n";
     case '\r': return "\\r";
     case '\t': return "\\t";
@@ -58,14 +58,16 @@ std::string wave(const WAVEFORMATEX* format) {
                    value(format->nBlockAlign), value(format->wBitsPerSample)});
 }
 
-template <typename Interface> void openInterface(Interface* object, const char* interfaceName) {
+template <typename Interface>
+void openInterface(Interface* object, const char* interfaceName) {
     if (!object)
         return;
     call_names::open(reinterpret_cast<uint64_t>(object), call_text::kindOf<Interface*>);
     watchMethods(object, interfaceName);
 }
 
-template <typename Interface> std::string handOut(void* object) {
+template <typename Interface>
+std::string handOut(void* object) {
     auto* typed = static_cast<Interface*>(object);
     return call_text::showPointee(&typed, call_text::Known::now);
 }
@@ -142,12 +144,11 @@ std::string fields(const SHELLEXECUTEINFOA& start) {
 }
 
 std::string fields(const WNDCLASSEXA& window) {
-    return braces({value(window.cbSize), "style " + value(window.style),
-                   value(window.lpfnWndProc), value(window.cbClsExtra), value(window.cbWndExtra),
-                   value(window.hInstance), "icon " + value(window.hIcon),
-                   "cursor " + value(window.hCursor), "brush " + value(window.hbrBackground),
-                   "menu " + value(window.lpszMenuName), value(window.lpszClassName),
-                   "small " + value(window.hIconSm)});
+    return braces({value(window.cbSize), "style " + value(window.style), value(window.lpfnWndProc),
+                   value(window.cbClsExtra), value(window.cbWndExtra), value(window.hInstance),
+                   "icon " + value(window.hIcon), "cursor " + value(window.hCursor),
+                   "brush " + value(window.hbrBackground), "menu " + value(window.lpszMenuName),
+                   value(window.lpszClassName), "small " + value(window.hIconSm)});
 }
 
 std::string fields(const BITMAPINFO& info) {
@@ -236,18 +237,33 @@ std::string show(char* text, Known known) {
 
 std::string show(const void* address, Known known) { return show(Memory{address}, known); }
 
-template <> void handedOut(IDirectDraw7* object) { openInterface(object, "IDirectDraw7"); }
-template <> void handedOut(IDirectDrawSurface7* object) {
+template <>
+void handedOut(IDirectDraw7* object) {
+    openInterface(object, "IDirectDraw7");
+}
+template <>
+void handedOut(IDirectDrawSurface7* object) {
     openInterface(object, "IDirectDrawSurface7");
 }
-template <> void handedOut(IDirectInput7A* object) { openInterface(object, "IDirectInput7A"); }
-template <> void handedOut(IDirectInputDevice7A* object) {
+template <>
+void handedOut(IDirectInput7A* object) {
+    openInterface(object, "IDirectInput7A");
+}
+template <>
+void handedOut(IDirectInputDevice7A* object) {
     openInterface(object, "IDirectInputDevice7A");
 }
-template <> void handedOut(IDirectSound* object) { openInterface(object, "IDirectSound"); }
-template <> void handedOut(IDirectSoundBuffer* object) {
+template <>
+void handedOut(IDirectSound* object) {
+    openInterface(object, "IDirectSound");
+}
+template <>
+void handedOut(IDirectSoundBuffer* object) {
     openInterface(object, "IDirectSoundBuffer");
 }
-template <> void handedOut(HDC dc) { call_names::open(reinterpret_cast<uint64_t>(dc), "dc"); }
+template <>
+void handedOut(HDC dc) {
+    call_names::open(reinterpret_cast<uint64_t>(dc), "dc");
+}
 
 } // namespace call_text

@@ -59,7 +59,9 @@ std::string fields(const DIPROPHEADER& value);
 std::string fields(const DSBUFFERDESC& value);
 
 template <typename T>
-concept HasFields = requires(const T& value) { fields(value); };
+concept HasFields = requires(const T& value) {
+    fields(value);
+};
 
 // Structures that callers pass through a pointer to non-const, but fill themselves.
 template <typename T>
@@ -69,22 +71,38 @@ constexpr bool isFilledByCaller =
     std::is_same_v<T, DDSCAPS2> || std::is_same_v<T, DDBLTFX>;
 
 // The kind by which a handle or an interface of this type is named when it first appears, or null.
-template <typename T> constexpr const char* kindOf = nullptr;
-template <> inline constexpr const char* kindOf<HWND> = "window";
-template <> inline constexpr const char* kindOf<HDC> = "dc";
-template <> inline constexpr const char* kindOf<HBRUSH> = "brush";
-template <> inline constexpr const char* kindOf<HBITMAP> = "bitmap";
-template <> inline constexpr const char* kindOf<HFONT> = "font";
-template <> inline constexpr const char* kindOf<HPEN> = "pen";
-template <> inline constexpr const char* kindOf<HICON> = "icon";
-template <> inline constexpr const char* kindOf<HPALETTE> = "palette";
-template <> inline constexpr const char* kindOf<HINSTANCE> = "module";
-template <> inline constexpr const char* kindOf<IDirectDraw7*> = "ddraw";
-template <> inline constexpr const char* kindOf<IDirectDrawSurface7*> = "surface";
-template <> inline constexpr const char* kindOf<IDirectInput7A*> = "input";
-template <> inline constexpr const char* kindOf<IDirectInputDevice7A*> = "device";
-template <> inline constexpr const char* kindOf<IDirectSound*> = "sound";
-template <> inline constexpr const char* kindOf<IDirectSoundBuffer*> = "buffer";
+template <typename T>
+constexpr const char* kindOf = nullptr;
+template <>
+inline constexpr const char* kindOf<HWND> = "window";
+template <>
+inline constexpr const char* kindOf<HDC> = "dc";
+template <>
+inline constexpr const char* kindOf<HBRUSH> = "brush";
+template <>
+inline constexpr const char* kindOf<HBITMAP> = "bitmap";
+template <>
+inline constexpr const char* kindOf<HFONT> = "font";
+template <>
+inline constexpr const char* kindOf<HPEN> = "pen";
+template <>
+inline constexpr const char* kindOf<HICON> = "icon";
+template <>
+inline constexpr const char* kindOf<HPALETTE> = "palette";
+template <>
+inline constexpr const char* kindOf<HINSTANCE> = "module";
+template <>
+inline constexpr const char* kindOf<IDirectDraw7*> = "ddraw";
+template <>
+inline constexpr const char* kindOf<IDirectDrawSurface7*> = "surface";
+template <>
+inline constexpr const char* kindOf<IDirectInput7A*> = "input";
+template <>
+inline constexpr const char* kindOf<IDirectInputDevice7A*> = "device";
+template <>
+inline constexpr const char* kindOf<IDirectSound*> = "sound";
+template <>
+inline constexpr const char* kindOf<IDirectSoundBuffer*> = "buffer";
 
 std::string show(Memory value, Known);
 std::string show(const OutHandle& value, Known known);
@@ -95,9 +113,11 @@ std::string show(char* value, Known known);
 std::string show(const void* value, Known);
 
 // Notes that a call handed out an interface: gives it a name and watches its methods.
-template <typename Interface> void handedOut(Interface* object);
+template <typename Interface>
+void handedOut(Interface* object);
 
-template <typename T> std::string showPointee(T* at, Known known) {
+template <typename T>
+std::string showPointee(T* at, Known known) {
     if (!at)
         return "null";
     if (known == Known::not_yet)
@@ -114,7 +134,8 @@ template <typename T> std::string showPointee(T* at, Known known) {
     }
 }
 
-template <typename T> std::string show(T value, Known known) {
+template <typename T>
+std::string show(T value, Known known) {
     using Pointee = std::remove_pointer_t<T>;
     using Plain = std::remove_const_t<Pointee>;
     if constexpr (!std::is_pointer_v<T>)
@@ -133,9 +154,9 @@ template <typename T> std::string show(T value, Known known) {
 
 // Whether `show` gives more after the call than before it.
 template <typename T>
-constexpr bool isWrittenByCall =
-    std::is_same_v<T, OutHandle> || std::is_same_v<T, OutInterface> ||
-    (std::is_pointer_v<T> && !std::is_const_v<std::remove_pointer_t<T>> &&
-     !isFilledByCaller<std::remove_pointer_t<T>>);
+constexpr bool isWrittenByCall = std::is_same_v<T, OutHandle> || std::is_same_v<T, OutInterface> ||
+                                 (std::is_pointer_v<T> &&
+                                  !std::is_const_v<std::remove_pointer_t<T>> &&
+                                  !isFilledByCaller<std::remove_pointer_t<T>>);
 
 } // namespace call_text

@@ -5,11 +5,14 @@
 #include <cstdint>
 #include <cstring>
 
+extern "C" IMAGE_DOS_HEADER __ImageBase; // the linker's name for the program's first byte
+
 namespace {
 
-const uint8_t* image() { return reinterpret_cast<const uint8_t*>(GetModuleHandleA(nullptr)); }
+const uint8_t* image() { return reinterpret_cast<const uint8_t*>(&__ImageBase); }
 
-template <typename T> const T* at(uint32_t offset) {
+template <typename T>
+const T* at(uint32_t offset) {
     return reinterpret_cast<const T*>(image() + offset);
 }
 

@@ -3,7 +3,8 @@
 
 #include <vector>
 
-// Every place that holds the address of the imported function `name`; empty when it is not imported.
+// Every place that holds the address of the imported function `name`; empty when it is not
+// imported.
 std::vector<void**> importPlaces(const char* name);
 
 // Writes to a place in a read-only section.
