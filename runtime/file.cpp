@@ -129,12 +129,13 @@ void readInto(Line* line, FileHandleRec* file) {
         readByte(file, &ch);
         if (ch == 0) // the end of the file, or a NUL byte in it
             return;
+        append(line, ch);
         if (isLineEnd(ch)) {
+            line->length -= 1;
             if (ch == '\r')
                 skipLineFeed(file);
             return;
         }
-        append(line, ch);
     }
 }
 
