@@ -2,6 +2,7 @@
 
 A test that fails leaves the screen's last picture beside the logs, in build/desk/."""
 
+import shutil
 import sys
 from pathlib import Path
 
@@ -57,6 +58,21 @@ def module_stall(tmp_path_factory, helpers):
 def stall(tmp_path, helpers):
     """The same for a single test."""
     return Stall(tmp_path, helpers)
+
+
+@pytest.fixture
+def open_menu(stall):
+    """Opens menus from the test's own folder; those that still run at its end are ended."""
+    opened = []
+
+    def open_on(desk, **options):
+        opened.append(stall.open_menu(desk, **options))
+        return opened[-1]
+
+    yield open_on
+    for menu in opened:
+        menu.program.kill()
+        shutil.rmtree(menu.staging_folder, ignore_errors=True)
 
 
 @pytest.hookimpl(hookwrapper=True)

@@ -25,18 +25,18 @@ def test_an_intro_finds_the_desktops_own_mode(menu, desk):
     for row in (0, 1, 2):
         menu.select(row)
         report = launch(menu, desk)
-        assert report["mode"] == "1280x1024x32"
+        assert report["mode"] == "1280x1024"
         desk.screen.tap("Escape")
         menu.wait_up(row)
 
 
 def test_the_menu_takes_its_mode_again_after_an_intro(menu, desk, helpers):
-    assert mode_seen_by_others(desk, helpers) == "1024x768x16"
+    assert mode_seen_by_others(desk, helpers) == "1024x768"
     launch(menu, desk)
-    assert mode_seen_by_others(desk, helpers) == "1280x1024x32"
+    assert mode_seen_by_others(desk, helpers) == "1280x1024"
     desk.screen.tap("Escape")
     menu.wait_up(2)
-    assert mode_seen_by_others(desk, helpers) == "1024x768x16"
+    assert mode_seen_by_others(desk, helpers) == "1024x768"
 
 
 def mode_seen_by_others(desk, helpers):
@@ -47,6 +47,6 @@ def test_leaving_gives_the_desktop_its_mode_back(menu, desk, helpers):
     """Stands last, since it ends the menu that the tests share."""
     menu.press("Escape")
     assert menu.program.wait_end() == 0
-    assert mode_seen_by_others(desk, helpers) == "1280x1024x32"
+    assert mode_seen_by_others(desk, helpers) == "1280x1024"
     assert highlighted_row(desk.screen.pixels()) is None
     assert not shows_probe(desk.screen.pixels())

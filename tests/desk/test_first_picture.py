@@ -9,6 +9,7 @@ from desk.menu import LIST_TOP, highlight, row_place
 from helpers import ROOT, as_565, catalogue_page
 
 CYAN_565 = 0x07FF
+CELL_HEIGHT = 21           # of 14 points of Liberation Sans, which has the measures of Arial
 
 
 @pytest.fixture(scope="module")
@@ -40,9 +41,9 @@ def test_thirty_rows_stand_at_their_places(first_picture):
     for row in range(len(ROWS)):
         x, y = row_place(row)
         right_edge = x + 500 if x == 100 else 1024
-        cell = first_picture[y:y + 22, x:right_edge]
+        cell = first_picture[y:y + CELL_HEIGHT, x:right_edge]
         assert (cell == 255).all(axis=2).any(), f"row {row} shows no white letters"
-        assert not first_picture[y + 22:y + 30, x:right_edge].any(), f"row {row} is too low"
+        assert not first_picture[y + CELL_HEIGHT:y + 30, x:right_edge].any(), f"row {row} is too low"
     assert not first_picture[LIST_TOP:595, 0:100].any()
     assert not first_picture[135:LIST_TOP].any()
 
@@ -50,7 +51,7 @@ def test_thirty_rows_stand_at_their_places(first_picture):
 def test_the_first_row_is_highlighted_in_red(first_picture):
     left, top, right, bottom = highlight(first_picture)
     assert (left, top) == (100, 145)
-    assert bottom - top == 22, "the red box is as high as the cell of 14 points of Arial"
+    assert bottom - top == CELL_HEIGHT, "the red box is as high as the cell of 14 points of Arial"
     box = first_picture[top:bottom, left:right]
     assert (box[:, :, 0] > 0).all(), "the box is filled, letters and all"
 

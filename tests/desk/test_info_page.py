@@ -19,11 +19,8 @@ def file_of(lines):
 class InfoPage:
     """A menu on its info page."""
 
-    def __init__(self, desk, helpers, stall, content):
-        self._desk, self._helpers = desk, helpers
-        if content is not None:
-            stall.set_info(content)
-        self.menu = stall.open_menu(desk, unpacks=ONE_INTRO).wait_up()
+    def __init__(self, desk, helpers, menu):
+        self._desk, self._helpers, self.menu = desk, helpers, menu
 
     def open(self):
         self.menu.select(INFO_ROW)
@@ -41,18 +38,15 @@ class InfoPage:
 
 
 @pytest.fixture
-def open_info(desk, helpers, stall):
-    pages = []
-
+def open_info(desk, helpers, stall, open_menu):
+    """Opens the info page of a menu that starts beside an info file of the given content."""
     def open_with(content):
-        page = InfoPage(desk, helpers, stall, content)
-        pages.append(page)
+        if content is not None:
+            stall.set_info(content)
+        page = InfoPage(desk, helpers, open_menu(desk, unpacks=ONE_INTRO).wait_up())
         page.open()
         return page
-
-    yield open_with
-    for page in pages:
-        page.menu.program.kill()
+    return open_with
 
 
 CONTENTS = {

@@ -113,7 +113,7 @@ def test_the_red_box_is_as_wide_as_the_words(menu, desk):
         menu.select(row)
         left, top, right, bottom = highlight(desk.screen.pixels())
         widths[row] = right - left
-        assert bottom - top == 22
+        assert bottom - top == 21
     assert widths[29] < 60 < 300 < widths[6]
 
 

@@ -22,13 +22,15 @@ FULL_SCREEN = (1024, 768)
 class Desk:
     """A desk to start Windows programs on; use it in a `with` statement.
 
-    `folder` keeps the logs. `screen_size` is that of the X server; with `desktop_size` all
-    programs run in a virtual desktop of that size. Without `sound` there is no sound server.
+    `folder` keeps the logs. `screen_size` is that of the X server, `desktop_size` that of the
+    virtual desktop in which all programs run: there the display mode really changes and comes
+    back, and the foreground passes on as on Windows. With None they run on the screen itself,
+    which takes no other mode than its own. Without `sound` there is no sound server.
     `temp_name` is the name of a temp folder on drive C, for another one than Wine's own.
     """
 
-    def __init__(self, folder, template, screen_size=FULL_SCREEN, desktop_size=None, sound=True,
-                 temp_name=None):
+    def __init__(self, folder, template, screen_size=FULL_SCREEN, desktop_size=FULL_SCREEN,
+                 sound=True, temp_name=None):
         self.folder = Path(folder)
         self._template = Path(template)
         self._screen_size = screen_size
@@ -55,10 +57,12 @@ class Desk:
         return self
 
     def __exit__(self, *_):
-        if self._server:
-            self._stop_server()
-        self._children.end_all()
-        shutil.rmtree(self._private, ignore_errors=True)
+        try:
+            if self._server:
+                self._stop_server()
+        finally:
+            self._children.end_all()
+            shutil.rmtree(self._private, ignore_errors=True)
 
     @property
     def drive_c(self):
@@ -75,11 +79,11 @@ class Desk:
         """Starts a Windows program with `folder` as its current folder."""
         command = [WINE, str(path), *arguments]
         return Program(self._children.start("program", command, cwd=folder,
-                                            env=self._environment))
+                                            env=self.environment))
 
     def ask(self, path, *arguments, limit=30):
         """Runs a Windows console program to its end and gives what it printed."""
-        done = subprocess.run([WINE, str(path), *arguments], env=self._environment, text=True,
+        done = subprocess.run([WINE, str(path), *arguments], env=self.environment, text=True,
                               cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, timeout=limit)
         if done.returncode != 0:
@@ -128,7 +132,7 @@ class Desk:
         self._prefix = self._private / "prefix"
         clone_template(self._template, self._prefix, *self._settings)
         self.temp_folder.mkdir(exist_ok=True)
-        self._environment = wine_environment(
+        self.environment = wine_environment(
             self._prefix, DISPLAY=self.screen.display, XDG_RUNTIME_DIR=str(self._private),
             TMPDIR=str(self._private), **sound_place)
         self._start_server()
@@ -137,15 +141,12 @@ class Desk:
         """The server in the foreground, kept alive between programs: they start at once, and all
         of them end with it."""
         self._server = self._children.start(
-            "wineserver", [WINESERVER, "--foreground", "--persistent"], env=self._environment)
-        # A program that comes too early would start a second server.
-        wait_until(lambda: self._signal_server(0), "the Wine server to start")
+            "wineserver", [WINESERVER, "--foreground", "--persistent"], env=self.environment)
+        # Whoever asks for the server too early would make a second place for its socket.
+        wait_until(lambda: any(self._private.glob("*wine*/server-*/socket")),
+                   "the Wine server to start")
 
     def _stop_server(self):
-        self._signal_server(2)
+        subprocess.run([WINESERVER, "--kill"], env=self.environment)
         wait_until(lambda: self._server.poll() is not None, "the end of the Wine server")
         self._children.end(self._server)
-
-    def _signal_server(self, number):
-        """Signal 0 only asks whether the server is there; 2 ends it with all its programs."""
-        return subprocess.run([WINESERVER, f"--kill={number}"], env=self._environment).returncode == 0

@@ -24,7 +24,7 @@ class Screen:
 
     def pixels(self):
         """The picture of this moment: an array of rows of red, green, blue, 0 to 255 each."""
-        return self._pixels[:, :, 2::-1].copy()
+        return numpy.array(self._pixels[:, :, 2::-1])
 
     def key_down(self, *keys):
         self._xdotool("keydown", *keys)

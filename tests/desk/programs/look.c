@@ -1,6 +1,6 @@
 /* Looks at the desk's windows from inside: what an X client cannot see.
    look            one line a visible window: class, title, place and the texts on it
-   look mode       the display's mode: width x height x bits
+   look mode       the display's mode: width x height
    look close X    asks the window of class X to close, by message and by system command
    look away       takes the foreground away from whoever has it
    look back X     gives it back to the window of class X */
@@ -36,7 +36,7 @@ static BOOL CALLBACK printWindow(HWND window, LPARAM unused) {
 static int printMode(void) {
     DEVMODEA mode = {.dmSize = sizeof mode};
     BOOL known = EnumDisplaySettingsA(NULL, ENUM_CURRENT_SETTINGS, &mode);
-    printf("%lux%lux%lu\n", mode.dmPelsWidth, mode.dmPelsHeight, mode.dmBitsPerPel);
+    printf("%lux%lu\n", mode.dmPelsWidth, mode.dmPelsHeight);
     return known;
 }
 

@@ -1,5 +1,6 @@
 /* An intro that tells on itself, for the desk tests. It writes down how it was started, shows a
-   window and waits for Escape. Under the name of the staged data file it plays the
+   window and waits for Escape. A file named "crash" in its folder on drive C orders it to crash
+   at once, one named "leave" to end by itself. Under the name of the staged data file it plays the
    self-extractor instead and writes itself into its working folder under each name of a list. */
 
 #include <stdio.h>
@@ -39,8 +40,8 @@ static void report(void) {
     FILE* out = fopen(DESK_FOLDER "unfinished", "w");
     GetCurrentDirectoryA(sizeof folder, folder);
     EnumDisplaySettingsA(NULL, ENUM_CURRENT_SETTINGS, &mode);
-    fprintf(out, "program=%s\nfolder=%s\ncommand=%s\nmode=%lux%lux%lu\n", programPath, folder,
-            GetCommandLineA(), mode.dmPelsWidth, mode.dmPelsHeight, mode.dmBitsPerPel);
+    fprintf(out, "program=%s\nfolder=%s\ncommand=%s\nmode=%lux%lu\n", programPath, folder,
+            GetCommandLineA(), mode.dmPelsWidth, mode.dmPelsHeight);
     fclose(out);
     for (int number = 1; number < 1000; ++number) {
         sprintf(path, DESK_FOLDER "run-%03d.txt", number);
@@ -51,6 +52,8 @@ static void report(void) {
 
 static LRESULT CALLBACK handleMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
     if (message == WM_KEYDOWN && first == VK_ESCAPE)
+        PostQuitMessage(0);
+    if (message == WM_TIMER && isOrdered("leave"))
         PostQuitMessage(0);
     return DefWindowProcA(window, message, first, second);
 }
@@ -64,6 +67,7 @@ static void showWindow(HINSTANCE instance) {
     HWND window = CreateWindowA("Probe", programName, WS_POPUP | WS_VISIBLE, 0, 0, 320, 200, NULL,
                                 NULL, instance, NULL);
     SetForegroundWindow(window);
+    SetTimer(window, 1, 20, NULL);
 }
 
 static void waitForEscape(void) {
