@@ -11,7 +11,7 @@ target_compile_options(product INTERFACE
 # so that the many test programs link fast, and no name of the checkout's folder.
 if(CMAKE_BUILD_TYPE STREQUAL Release)
     target_compile_options(product INTERFACE
-        -ffunction-sections -fdata-sections -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+        -ffunction-sections -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
         set(link_time_optimisation -O2 -flto)
         target_compile_options(product INTERFACE -flto -ffat-lto-objects)
