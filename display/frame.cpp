@@ -79,6 +79,11 @@ int32_t counterLow() {
     return static_cast<int32_t>(counter.QuadPart);
 }
 
+// Wraps around, as the counter does.
+int32_t ticksSince(int32_t stamp, int32_t now) {
+    return static_cast<int32_t>(static_cast<uint32_t>(now) - static_cast<uint32_t>(stamp));
+}
+
 bool haveOppositeSigns(int32_t now, int32_t stamp) {
     return (now < 0 && stamp >= 0) || (now > 0 && stamp <= 0);
 }
@@ -194,7 +199,7 @@ int32_t Screen_WaitFrame() {
         const int32_t now = counterLow();
         if (haveOppositeSigns(now, Screen.limiterStamp)) // the low word has wrapped
             Screen.limiterStamp = now;
-        if (now - Screen.limiterStamp > Screen.limiterTicks) {
+        if (ticksSince(Screen.limiterStamp, now) > Screen.limiterTicks) {
             Screen.limiterStamp = now;
             return passes;
         }

@@ -64,10 +64,10 @@ NativeImage describeIcon(HICON icon) {
     ICONINFO info;
     if (!GetIconInfo(icon, &info))
         return {};
-    NativeImage image = describe(info.hbmColor);
+    NativeImage image{icon, {}};
+    GetObjectA(info.hbmColor, sizeof image.bitmap, &image.bitmap);
     DeleteObject(info.hbmMask);
     DeleteObject(info.hbmColor);
-    image.handle = icon;
     return image;
 }
 
