@@ -1,0 +1,83 @@
+#include "tests/support/launcher_stage.h"
+
+#include "tests/support/child_run.h"
+
+#include <cstring>
+#include <fstream>
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int);
+
+namespace {
+
+// Nothing is ever written to it, and a wait for it ends at once: what a process is that has ended.
+HANDLE endedProcess() { return CreateEventA(nullptr, TRUE, TRUE, nullptr); }
+
+DWORD giveTempPath(const std::filesystem::path& temp, DWORD size, LPSTR buffer) {
+    const std::string text = temp.string() + "\\";
+    if (text.size() >= size)
+        return 0;
+    std::strcpy(buffer, text.c_str());
+    return static_cast<DWORD>(text.size());
+}
+
+} // namespace
+
+LauncherStage::LauncherStage() : devices(calls) {
+    QuietScope quiet;
+    const std::string name = "stage-" + std::to_string(GetCurrentProcessId());
+    folder = std::filesystem::temp_directory_path() / name;
+    temp = folder / "temp";
+    std::filesystem::create_directories(temp);
+    SetCurrentDirectoryA(folder.string().c_str());
+    writeFile("OstrikVelmora2009.dat", "a self-extractor, said to be");
+    calls.replace<hook::GetTempPathA>(
+        [this](DWORD size, LPSTR buffer) { return giveTempPath(temp, size, buffer); });
+    calls.replace<hook::CreateProcessA>([this](LPCSTR, LPSTR commandLine, LPSECURITY_ATTRIBUTES,
+                                               LPSECURITY_ATTRIBUTES, BOOL, DWORD flags, LPVOID,
+                                               LPCSTR workingFolder, LPSTARTUPINFOA info,
+                                               LPPROCESS_INFORMATION made) {
+        return startChild(commandLine, workingFolder, flags, *info, made);
+    });
+    calls.replace<hook::ShellExecuteExA>([](SHELLEXECUTEINFOA*) { return FALSE; });
+    devices.input.onScriptEnd = [this] { devices.input.press(DIK_ESCAPE); };
+}
+
+LauncherStage::~LauncherStage() {
+    QuietScope quiet;
+    std::error_code ignored;
+    std::filesystem::current_path(folder.parent_path(), ignored);
+    std::filesystem::remove_all(folder, ignored);
+}
+
+void LauncherStage::writeFile(const char* name, const std::string& content) const {
+    QuietScope quiet;
+    std::ofstream(folder / name, std::ios::binary) << content;
+}
+
+ProgramEnd LauncherStage::run() {
+    return runToExit(calls, [] { WinMain(nullptr, nullptr, nullptr, 0); });
+}
+
+BOOL LauncherStage::startChild(const char* commandLine, const char* workingFolder,
+                               DWORD creationFlags, const STARTUPINFOA& info,
+                               PROCESS_INFORMATION* made) {
+    QuietScope quiet;
+    if (!missing.empty() && std::strstr(commandLine, missing.c_str())) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return FALSE;
+    }
+    children.push_back(
+        {commandLine, workingFolder ? workingFolder : "", creationFlags, info.wShowWindow});
+    if (onChild)
+        onChild(commandLine);
+    *made = {endedProcess(), endedProcess(), 4711, 4712};
+    return TRUE;
+}
+
+void onStage(const std::function<void(LauncherStage&)>& scenario) {
+    const ChildReport child = runInChild([&] {
+        LauncherStage stage;
+        scenario(stage);
+    });
+    EXPECT_TRUE(child.succeeded());
+}
