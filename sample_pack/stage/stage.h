@@ -1,0 +1,17 @@
+// The stage of every intro: a black window over the whole desktop and, in its middle and as large
+// as it fits, the canvas. An intro is a title and a function that draws the picture of a moment;
+// Escape or Alt+F4 ends it.
+#pragma once
+
+#include "canvas.h"
+
+// What the intro brings.
+extern const char Intro_Title[]; // also the window's title
+
+// `seconds` is the time since the start. The canvas still holds the picture before.
+void Intro_Draw(Canvas& canvas, float seconds);
+
+// For pictures that grow out of the one before: how many steps are due by now, at so many a second.
+// After a long pause fewer are given, so that the intro does not race to catch up. One sequence of
+// steps an intro.
+int Stage_TakeSteps(float seconds, float stepsPerSecond);
