@@ -45,6 +45,8 @@ def envelope_points(points):
 
 def deltas(values):
     """Each value as its difference to the one before."""
+    if not all(-128 <= value <= 127 for value in values):
+        raise ValueError("a sample does not fit into 8 bits")
     return bytes((value - before) & 0xFF for before, value in zip([0, *values], values))
 
 
