@@ -24,22 +24,22 @@ public:
     }
 
     STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++count; }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++referenceCount; }
     STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --count;
+        const ULONG left = --referenceCount;
         if (left == 0)
             static_cast<Object*>(this)->onLastRelease();
         return left;
     }
 
-    ULONG references() const { return count; }
+    ULONG references() const { return referenceCount; }
 
 protected:
     // For objects that begin with another one holding them, `first` is 0.
-    explicit ComObject(ULONG first = 1) : count(first) {}
+    explicit ComObject(ULONG first = 1) : referenceCount(first) {}
     void onLastRelease() { delete static_cast<Object*>(this); }
 
 private:
     friend Object;
-    std::atomic<ULONG> count;
+    std::atomic<ULONG> referenceCount;
 };

@@ -24,6 +24,10 @@ struct PixelMasks {
 
 class StandInSurface;
 
+// The entry point that programs fetch from DDRAW.DLL; serves the living StandInDDraw.
+HRESULT WINAPI StandIn_DirectDrawCreateEx(GUID* device, void** object, const GUID& interfaceId,
+                                          IUnknown* outer);
+
 class StandInDDraw {
 public:
     StandInDDraw();
@@ -59,14 +63,14 @@ public:
     COLORREF drawn(int x, int y) const;
     // How many pixels of the shown picture, in an area, have a colour.
     int shownCount(const RECT& area, COLORREF color) const;
-    // Writes the shown picture as a BMP file, for a person to look at.
-    bool saveShown(const char* path) const;
 
     static constexpr uint8_t undefinedPixels = 0xA5;
 
 private:
     friend class StandInDirectDraw7;
     friend class StandInSurface;
+
+    friend HRESULT WINAPI StandIn_DirectDrawCreateEx(GUID*, void**, const GUID&, IUnknown*);
 
     StandInSurface* primary() const;
 
@@ -77,7 +81,3 @@ private:
     int madeCount = 0;
     int flipCount = 0;
 };
-
-// The entry point that programs fetch from DDRAW.DLL; serves the living StandInDDraw.
-HRESULT WINAPI StandIn_DirectDrawCreateEx(GUID* device, void** object, const GUID& interfaceId,
-                                          IUnknown* outer);

@@ -20,6 +20,10 @@ struct MouseEvent {
     DWORD data;
 };
 
+// The entry point that programs fetch from DINPUT.DLL; serves the living StandInDInput.
+HRESULT WINAPI StandIn_DirectInputCreateEx(HINSTANCE module, DWORD version, const GUID& interfaceId,
+                                           void** object, IUnknown* outer);
+
 class StandInDInput {
 public:
     using Keys = std::set<uint8_t>; // the scan codes that are down
@@ -68,6 +72,8 @@ public:
     size_t deviceCount() const { return devices.size(); }
 
 private:
+    friend HRESULT WINAPI StandIn_DirectInputCreateEx(HINSTANCE, DWORD, const GUID&, void**,
+                                                      IUnknown*);
     friend class StandInDirectInput7;
     friend class StandInInputDevice;
 
@@ -78,7 +84,3 @@ private:
     int madeCount = 0;
     int reads = 0;
 };
-
-// The entry point that programs fetch from DINPUT.DLL; serves the living StandInDInput.
-HRESULT WINAPI StandIn_DirectInputCreateEx(HINSTANCE module, DWORD version, const GUID& interfaceId,
-                                           void** object, IUnknown* outer);

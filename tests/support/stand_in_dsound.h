@@ -6,7 +6,12 @@
 #include <vector>
 #include <windows.h>
 
+struct IDirectSound;
 class StandInSoundBuffer;
+
+// The entry point that programs fetch from DSOUND.DLL; serves the living StandInDSound.
+HRESULT WINAPI StandIn_DirectSoundCreate(const GUID* device, IDirectSound** object,
+                                         IUnknown* outer);
 
 class StandInDSound {
 public:
@@ -37,6 +42,7 @@ public:
     static constexpr uint8_t newBytes = 0x5A;
 
 private:
+    friend HRESULT WINAPI StandIn_DirectSoundCreate(const GUID*, IDirectSound**, IUnknown*);
     friend class StandInDirectSound;
     friend class StandInSoundBuffer;
 
@@ -46,7 +52,3 @@ private:
     DWORD level = 0;
     int madeCount = 0;
 };
-
-// The entry point that programs fetch from DSOUND.DLL; serves the living StandInDSound.
-HRESULT WINAPI StandIn_DirectSoundCreate(const GUID* device, struct IDirectSound** object,
-                                         IUnknown* outer);
