@@ -50,14 +50,16 @@ def closed(wave, count=24):
 def pulse_value(turns, width, partials):
     """A pulse of the given width around the middle of the cycle, without its highest partials."""
     def partial(n):
-        rounding = math.sin(math.pi * n / (partials + 1)) / (math.pi * n / (partials + 1))
-        return rounding * math.sin(math.pi * n * width) / n * math.cos(2 * math.pi * n * (turns - .5))
+        angle = math.pi * n / (partials + 1)
+        rounding = math.sin(angle) / angle
+        strength = rounding * math.sin(math.pi * n * width) / n
+        return strength * math.cos(2 * math.pi * n * (turns - 0.5))
 
     return sum(partial(n) for n in range(1, partials + 1))
 
 
 def pulse(section):
-    """Cycles of a pulse; what lies before the loop is the same at twice the pitch, as the attack."""
+    """Cycles of a pulse. What lies before the loop is the attack: the same at twice the pitch."""
     cycle, partials = int(section["cycle"]), int(section["partials"])
     widths, start = numbers(section, "widths"), int(section["loop"].split()[0])
 
