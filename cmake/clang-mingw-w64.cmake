@@ -6,6 +6,7 @@ set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)
 set(CMAKE_C_COMPILER_TARGET x86_64-w64-mingw32)
 set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-mingw32)
+set(CMAKE_ASM_COMPILER_TARGET x86_64-w64-mingw32)
 
 # clang looks for gcc in folders named by a bare version; Debian's is called 12-posix.
 file(GLOB gcc_folder /usr/lib/gcc/x86_64-w64-mingw32/*-posix)
