@@ -576,6 +576,7 @@ TEST(StandInsAgainstTheSystem, KeyboardsAnswerAlike) {
 
 Lines displayStory(CallRecorder& calls, HWND window) {
     calls.only({"IDirectDraw7", "IDirectDrawSurface7"});
+    calls.except({"IDirectDraw7::AddRef"}); // the system's surfaces hold on to their maker
     IDirectDraw7* ddraw = makeDDraw();
     DDSURFACEDESC2 wanted{};
     wanted.dwSize = sizeof wanted;
@@ -585,7 +586,6 @@ Lines displayStory(CallRecorder& calls, HWND window) {
     wanted.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN | DDSCAPS_SYSTEMMEMORY;
     IDirectDrawSurface7* surface = nullptr;
     ddraw->CreateSurface(&wanted, &surface, nullptr);
-    ddraw->SetDisplayMode(123, 45, 16, 0, 0);
     ddraw->SetCooperativeLevel(nullptr, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
     ddraw->SetCooperativeLevel(window, DDSCL_NORMAL);
     ddraw->CreateSurface(&wanted, &surface, nullptr);
@@ -599,9 +599,10 @@ Lines displayStory(CallRecorder& calls, HWND window) {
     surface->Unlock(nullptr);
     surface->Flip(nullptr, DDFLIP_WAIT);
     surface->IsLost();
+    const Lines story = calls.take();
     surface->Release();
     ddraw->Release();
-    return calls.take();
+    return story;
 }
 
 TEST(StandInsAgainstTheSystem, DisplaysAnswerAlike) {

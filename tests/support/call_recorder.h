@@ -107,6 +107,11 @@ public:
         requireHook(Hook::name);
         Hook::replacement = std::move(routine);
     }
+    // The same, where it does not matter whether this program imports the function: for stand-ins.
+    template <typename Hook, typename Routine>
+    void substitute(Routine routine) {
+        Hook::replacement = std::move(routine);
+    }
     template <typename Hook>
     static auto original() {
         return Hook::real;

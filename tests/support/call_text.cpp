@@ -92,6 +92,10 @@ std::string quoted(const char* text) {
 }
 
 std::string guid(const GUID& id) {
+    // DirectInput's properties are small numbers in the place of addresses.
+    const auto address = reinterpret_cast<uint64_t>(&id);
+    if (address < 0x10000)
+        return "DIPROP(" + std::to_string(address) + ")";
     for (const KnownGuid& known : knownGuids)
         if (memcmp(known.id, &id, sizeof id) == 0)
             return known.name;

@@ -1,16 +1,19 @@
 #include "tests/support/child_run.h"
 
+#include "tests/support/call_recorder.h"
+
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 namespace {
 
-constexpr char childMark[] = "RUNS_AS_CHILD"; // set in the environment of the new process
+// In the environment of the new process: the handle of the SharedTime that it inherits.
+constexpr char childMark[] = "RUNS_AS_CHILD";
 constexpr UINT endedFromOutside = 0xC000013A;
 
 bool isChild() { return GetEnvironmentVariableA(childMark, nullptr, 0) > 0; }
@@ -21,8 +24,64 @@ LONG WINAPI endByFault(EXCEPTION_POINTERS* fault) {
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
+// The new process notes its own processor time here: not every system tells it to others.
+class SharedTime {
+public:
+    SharedTime() {
+        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+        mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, &inherited, PAGE_READWRITE, 0,
+                                     sizeof(int64_t), nullptr);
+        view = viewOf(mapping);
+    }
+    ~SharedTime() {
+        UnmapViewOfFile(view);
+        CloseHandle(mapping);
+    }
+    SharedTime(const SharedTime&) = delete;
+    SharedTime& operator=(const SharedTime&) = delete;
+
+    std::string handleText() const { return std::to_string(reinterpret_cast<uint64_t>(mapping)); }
+    std::chrono::milliseconds value() const { return std::chrono::milliseconds(view->load()); }
+
+    static std::atomic<int64_t>* viewOf(HANDLE mapping) {
+        return static_cast<std::atomic<int64_t>*>(
+            MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, sizeof(int64_t)));
+    }
+
+private:
+    HANDLE mapping = nullptr;
+    std::atomic<int64_t>* view = nullptr;
+};
+
+int64_t ownProcessorMilliseconds() {
+    FILETIME created{}, ended{}, kernel{}, user{};
+    GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+    constexpr uint64_t ticksInMillisecond = 10000;
+    const uint64_t ticks = (uint64_t{kernel.dwHighDateTime} << 32 | kernel.dwLowDateTime) +
+                           (uint64_t{user.dwHighDateTime} << 32 | user.dwLowDateTime);
+    return static_cast<int64_t>(ticks / ticksInMillisecond);
+}
+
+DWORD WINAPI noteProcessorTime(void* parameter) {
+    const QuietScope quiet;
+    auto* noted = static_cast<std::atomic<int64_t>*>(parameter);
+    for (;;) {
+        *noted = ownProcessorMilliseconds();
+        Sleep(20);
+    }
+}
+
+void startNotingTime() {
+    char handle[32] = "";
+    GetEnvironmentVariableA(childMark, handle, sizeof handle);
+    auto* mapping = reinterpret_cast<HANDLE>(strtoull(handle, nullptr, 10));
+    CloseHandle(
+        CreateThread(nullptr, 0, noteProcessorTime, SharedTime::viewOf(mapping), 0, nullptr));
+}
+
 [[noreturn]] void runAsChild(const std::function<void()>& scenario) {
     SetUnhandledExceptionFilter(endByFault);
+    startNotingTime();
     scenario();
     fflush(stdout);
     exit(testing::Test::HasFailure() ? 1 : 0);
@@ -57,7 +116,7 @@ std::string commandLine() {
            test->name();
 }
 
-HANDLE startChild(HANDLE output) {
+HANDLE startChild(HANDLE output, const SharedTime& time) {
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -65,7 +124,7 @@ HANDLE startChild(HANDLE output) {
     startup.hStdError = output;
     PROCESS_INFORMATION child{};
     std::string command = commandLine();
-    SetEnvironmentVariableA(childMark, "1");
+    SetEnvironmentVariableA(childMark, time.handleText().c_str());
     CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                    &child);
     SetEnvironmentVariableA(childMark, nullptr);
@@ -74,19 +133,9 @@ HANDLE startChild(HANDLE output) {
     return child.hProcess;
 }
 
-std::chrono::milliseconds processorTime(HANDLE process) {
-    FILETIME created{}, ended{}, kernel{}, user{};
-    GetProcessTimes(process, &created, &ended, &kernel, &user);
-    constexpr uint64_t ticksInMillisecond = 10000;
-    const uint64_t ticks = (uint64_t{kernel.dwHighDateTime} << 32 | kernel.dwLowDateTime) +
-                           (uint64_t{user.dwHighDateTime} << 32 | user.dwLowDateTime);
-    return std::chrono::milliseconds(ticks / ticksInMillisecond);
-}
-
 void watchToEnd(HANDLE process, std::chrono::milliseconds limit, ChildReport& report) {
     report.timedOut =
         WaitForSingleObject(process, static_cast<DWORD>(limit.count())) == WAIT_TIMEOUT;
-    report.processorTime = processorTime(process);
     if (report.timedOut)
         TerminateProcess(process, endedFromOutside);
     WaitForSingleObject(process, INFINITE);
@@ -110,12 +159,14 @@ ChildReport runInChild(const std::function<void()>& scenario, std::chrono::milli
     ChildReport report;
     const std::string path = temporaryFile();
     HANDLE output = openOutput(path);
-    HANDLE process = startChild(output);
+    const SharedTime time;
+    HANDLE process = startChild(output, time);
     CloseHandle(output);
     if (process)
         watchToEnd(process, limit, report);
     else
         ADD_FAILURE() << "the child could not be started";
+    report.processorTime = time.value();
     report.output = contentOf(path);
     DeleteFileA(path.c_str());
     return report;

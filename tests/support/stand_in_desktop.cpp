@@ -18,69 +18,70 @@ void StandInDesktop::show(bool isVisible) {
 }
 
 void StandInDesktop::takeOverWindow(CallRecorder& calls) {
-    calls.replace<hook::RegisterClassExA>([this](const WNDCLASSEXA* window) {
+    calls.substitute<hook::RegisterClassExA>([this](const WNDCLASSEXA* window) {
         procedure = window->lpfnWndProc;
         return ATOM{0xC001};
     });
-    calls.replace<hook::CreateWindowExA>([this](DWORD, LPCSTR, LPCSTR title, DWORD, int x, int y,
-                                                int width, int height, HWND, HMENU, HINSTANCE,
-                                                LPVOID) {
+    calls.substitute<hook::CreateWindowExA>([this](DWORD, LPCSTR, LPCSTR title, DWORD, int x, int y,
+                                                   int width, int height, HWND, HMENU, HINSTANCE,
+                                                   LPVOID) {
         windowPlace = {x, y, x + width, y + height};
         return make(title);
     });
-    calls.replace<hook::SetWindowTextA>([this](HWND, LPCSTR title) {
+    calls.substitute<hook::SetWindowTextA>([this](HWND, LPCSTR title) {
         windowTitle = title;
         return TRUE;
     });
-    calls.replace<hook::MoveWindow>([this](HWND, int x, int y, int width, int height, BOOL) {
+    calls.substitute<hook::MoveWindow>([this](HWND, int x, int y, int width, int height, BOOL) {
         windowPlace = {x, y, x + width, y + height};
         return TRUE;
     });
-    calls.replace<hook::ShowWindow>([this](HWND, int how) {
+    calls.substitute<hook::ShowWindow>([this](HWND, int how) {
         const bool wasShown = shown;
         show(how != SW_HIDE);
         return wasShown ? TRUE : FALSE;
     });
-    calls.replace<hook::GetWindowRect>([this](HWND, LPRECT place_) {
+    calls.substitute<hook::GetWindowRect>([this](HWND, LPRECT place_) {
         *place_ = windowPlace;
         return TRUE;
     });
 }
 
 void StandInDesktop::takeOverMessages(CallRecorder& calls) {
-    calls.replace<hook::PeekMessageA>([this](LPMSG message, HWND, UINT, UINT, UINT) {
+    calls.substitute<hook::PeekMessageA>([this](LPMSG message, HWND, UINT, UINT, UINT) {
         if (queue.empty())
             return FALSE;
         *message = queue.front();
         queue.pop_front();
         return TRUE;
     });
-    calls.replace<hook::TranslateMessage>([](const MSG*) { return FALSE; });
-    calls.replace<hook::DispatchMessageA>([this](const MSG* message) {
+    calls.substitute<hook::TranslateMessage>([](const MSG*) { return FALSE; });
+    calls.substitute<hook::DispatchMessageA>([this](const MSG* message) {
         return send(message->message, message->wParam, message->lParam);
     });
-    calls.replace<hook::DefWindowProcA>([](HWND, UINT, WPARAM, LPARAM) { return LRESULT{0}; });
-    calls.replace<hook::BeginPaint>([](HWND, LPPAINTSTRUCT) { return HDC{}; });
-    calls.replace<hook::EndPaint>([](HWND, const PAINTSTRUCT*) { return TRUE; });
+    calls.substitute<hook::DefWindowProcA>([](HWND, UINT, WPARAM, LPARAM) { return LRESULT{0}; });
+    calls.substitute<hook::BeginPaint>([](HWND, LPPAINTSTRUCT) { return HDC{}; });
+    calls.substitute<hook::EndPaint>([](HWND, const PAINTSTRUCT*) { return TRUE; });
 }
 
 void StandInDesktop::takeOverDesktop(CallRecorder& calls) {
-    calls.replace<hook::ShowCursor>([this](BOOL isMore) { return cursor += isMore ? 1 : -1; });
-    calls.replace<hook::GetForegroundWindow>([this] { return foreground; });
-    calls.replace<hook::MessageBoxA>([this](HWND parent, LPCSTR text, LPCSTR title_, UINT flags) {
-        messageBoxes.push_back({parent, title_, text, flags});
-        return messageBoxAnswer;
-    });
-    calls.replace<hook::EnumWindows>(
+    calls.substitute<hook::ShowCursor>([this](BOOL isMore) { return cursor += isMore ? 1 : -1; });
+    calls.substitute<hook::GetForegroundWindow>([this] { return foreground; });
+    calls.substitute<hook::MessageBoxA>(
+        [this](HWND parent, LPCSTR text, LPCSTR title_, UINT flags) {
+            messageBoxes.push_back({parent, title_, text, flags});
+            return messageBoxAnswer;
+        });
+    calls.substitute<hook::EnumWindows>(
         [this](WNDENUMPROC visit, LPARAM value) { return made ? visit(made, value) : TRUE; });
-    calls.replace<hook::GetWindowThreadProcessId>([](HWND, LPDWORD process) {
+    calls.substitute<hook::GetWindowThreadProcessId>([](HWND, LPDWORD process) {
         if (process)
             *process = hook::GetCurrentProcessId::real();
         return hook::GetCurrentThreadId::real();
     });
-    calls.replace<hook::IsWindowVisible>([this](HWND) { return shown ? TRUE : FALSE; });
-    calls.replace<hook::IsWindowEnabled>([](HWND) { return TRUE; });
-    calls.replace<hook::EnableWindow>([](HWND, BOOL) { return FALSE; });
+    calls.substitute<hook::IsWindowVisible>([this](HWND) { return shown ? TRUE : FALSE; });
+    calls.substitute<hook::IsWindowEnabled>([](HWND) { return TRUE; });
+    calls.substitute<hook::EnableWindow>([](HWND, BOOL) { return FALSE; });
 }
 
 void StandInDesktop::post(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -32,21 +32,21 @@ StandInDevices::Library* StandInDevices::find(HMODULE module) {
 }
 
 void StandInDevices::takeOverLibraries(CallRecorder& calls) {
-    calls.replace<hook::LoadLibraryA>([this](LPCSTR name) {
+    calls.substitute<hook::LoadLibraryA>([this](LPCSTR name) {
         Library* library = find(name);
         if (!library)
             return CallRecorder::original<hook::LoadLibraryA>()(name);
         ++library->loads;
         return reinterpret_cast<HMODULE>(library);
     });
-    calls.replace<hook::GetProcAddress>([this](HMODULE module, LPCSTR name) -> FARPROC {
+    calls.substitute<hook::GetProcAddress>([this](HMODULE module, LPCSTR name) -> FARPROC {
         Library* library = find(module);
         if (!library)
             return CallRecorder::original<hook::GetProcAddress>()(module, name);
         const bool isEntry = strcmp(name, library->entry) == 0;
         return isEntry ? reinterpret_cast<FARPROC>(library->routine) : nullptr;
     });
-    calls.replace<hook::FreeLibrary>([this](HMODULE module) {
+    calls.substitute<hook::FreeLibrary>([this](HMODULE module) {
         Library* library = find(module);
         if (!library)
             return CallRecorder::original<hook::FreeLibrary>()(module);

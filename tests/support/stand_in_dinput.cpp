@@ -32,12 +32,11 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD level) override {
+    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD) override {
         if (!window)
             return E_HANDLE;
         if (isAcquired)
             return DIERR_ACQUIRED;
-        hasLevel = level != 0;
         return DI_OK;
     }
 
@@ -58,7 +57,7 @@ public:
     }
 
     STDMETHODIMP Acquire() override {
-        if (dataSize == 0 || !hasLevel)
+        if (dataSize == 0)
             return DIERR_INVALIDPARAM;
         if (!input.isForeground)
             return DIERR_OTHERAPPHASPRIO;
@@ -155,7 +154,6 @@ private:
     DWORD dataSize = 0;
     DWORD bufferSize = 0;
     DWORD sequence = 0;
-    bool hasLevel = false;
     bool isAcquired = false;
     bool isLost = false;
 };

@@ -1,8 +1,8 @@
 // The stand-in for DirectInput: a keyboard scripted snapshot by snapshot and a mouse fed event by
 // event. Made by StandInDevices.
 //
-// It insists on what DirectInput insists on: a data format and a cooperative level before Acquire,
-// acquired devices before reading, a buffer before buffered reading.
+// It insists on what DirectInput insists on: a data format before Acquire, acquired devices before
+// reading, a buffer before buffered reading, no other settings while a device is acquired.
 #pragma once
 
 #include <cstdint>
