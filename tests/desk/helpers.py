@@ -15,7 +15,6 @@ ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
 SOURCES = Path(__file__).parent / "programs"
 PROBE_GREEN = (0, 128, 64)
-MODULE_BYTES = 13933
 
 COMPILERS = {".c": "x86_64-w64-mingw32-gcc-posix", ".cpp": "x86_64-w64-mingw32-g++-posix"}
 COMPILE = ["-O1", "-Wall", "-Wextra", "-Werror", "-s", "-static"]
@@ -182,8 +181,8 @@ def info_page(desk, helpers, shown):
 
 def render_song(desk, helpers, pieces):
     """The program's own module in the library's rendering: an array of rows of left, right."""
-    program = (BUILD / PROGRAM_NAME).read_bytes()
-    start = program.index(b"Extended Module: ")
-    (desk.folder / "song.xm").write_bytes(program[start:start + MODULE_BYTES])
+    module = (ROOT / "assets" / "module.xm").read_bytes()
+    assert module in (BUILD / PROGRAM_NAME).read_bytes(), "the program carries another module"
+    (desk.folder / "song.xm").write_bytes(module)
     desk.ask(helpers.render, "song.xm", str(pieces), "song.raw", limit=120)
     return numpy.fromfile(desk.folder / "song.raw", dtype="<i2").reshape(-1, 2)

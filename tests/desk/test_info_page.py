@@ -21,13 +21,14 @@ class InfoPage:
 
     def __init__(self, desk, helpers, menu):
         self._desk, self._helpers, self.menu = desk, helpers, menu
+        self._drawn = {}
 
     def open(self):
         self.menu.select(INFO_ROW)
         self.menu.press("Return")
 
     def wait_shows(self, lines):
-        expected = info_page(self._desk, self._helpers, lines)
+        expected = self._expected(tuple(lines))
         self._desk.wait_picture(lambda pixels: (as_565(pixels) == expected).all(),
                                 f"the info page with {len(lines)} lines from {lines[:1]}", limit=8)
 
@@ -35,6 +36,11 @@ class InfoPage:
         self.menu.press(key)
         self.menu.program.let_run(seconds=0.15, pauses=80)
         self.wait_shows(lines)
+
+    def _expected(self, lines):
+        if lines not in self._drawn:
+            self._drawn[lines] = info_page(self._desk, self._helpers, lines)
+        return self._drawn[lines]
 
 
 @pytest.fixture
@@ -74,6 +80,12 @@ CONTENTS = {
 
 @pytest.mark.parametrize("content, lines", CONTENTS.values(), ids=CONTENTS.keys())
 def test_one_page_shows_the_file_line_by_line(open_info, content, lines):
+    open_info(content).wait_shows(lines)
+
+
+@pytest.mark.parametrize("name", ["no file", "one line", "60 lines"])
+def test_up_and_down_do_nothing_with_60_lines_or_fewer(open_info, name):
+    content, lines = CONTENTS[name]
     page = open_info(content)
     page.wait_shows(lines)
     page.press_in_vain("Down", lines)

@@ -46,11 +46,16 @@ def test_up_wraps_within_a_column_and_walks_back(menu, first):
 
 def test_left_and_right_are_the_same_toggle_on_every_height(menu):
     for row in range(ROWS_A_COLUMN):
-        menu.step("Left", row + ROWS_A_COLUMN)
-        menu.step("Right", row)
-        menu.step("Right", row + ROWS_A_COLUMN)
-        menu.step("Left", row)
+        there, back = ("Left", "Left") if row % 2 else ("Right", "Right")
+        menu.step(there, row + ROWS_A_COLUMN)
+        menu.step(back, row)
         menu.step("Down", (row + 1) % ROWS_A_COLUMN)
+
+
+@pytest.mark.parametrize("there, back", [("Left", "Right"), ("Right", "Left")])
+def test_left_and_right_lead_back_from_each_other(menu, there, back):
+    menu.step(there, ROWS_A_COLUMN)
+    menu.step(back, 0)
 
 
 def test_row_28_and_row_13_are_neighbours(menu):

@@ -6,7 +6,7 @@ from collections import namedtuple
 import numpy
 from PIL import Image, ImageDraw
 
-from .menu import INTRO_ROWS, highlight
+from .menu import INTRO_ROWS, highlighted_row
 from .waiting import wait_until
 
 COLUMNS = 7
@@ -23,7 +23,7 @@ def show(menu, row, name, seconds=0.0):
     picture taken when it has moved and `seconds` have passed; the menu is then back."""
     menu.press("Return")
     wait_until(lambda: name in menu.desk.program_names(), f"{name} to run")
-    first = menu.desk.wait_picture(lambda pixels: pixels.any() and highlight(pixels) is None,
+    first = menu.desk.wait_picture(lambda pixels: pixels.any() and highlighted_row(pixels) is None,
                                    f"a picture of {name}")
     time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
     later = menu.desk.wait_picture(

@@ -39,8 +39,14 @@ def highlight(pixels):
 
 def highlighted_row(pixels):
     """The number of the highlighted row, or None on every other picture than the catalogue's."""
-    box = highlight(pixels)
-    return next((row for row in range(ROWS) if box and box[:2] == row_place(row)), None)
+    red_rows = [row for row in range(ROWS) if _is_corner(pixels, *row_place(row))]
+    return red_rows[0] if len(red_rows) == 1 else None
+
+
+def _is_corner(pixels, x, y):
+    """Whether a red box begins exactly here."""
+    here, left, above = (tuple(pixels[at]) for at in ((y, x), (y, x - 1), (y - 1, x)))
+    return here == RED and left != RED and above != RED
 
 
 class Menu:
