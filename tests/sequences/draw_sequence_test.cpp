@@ -1,0 +1,479 @@
+#include "display/draw.h"
+
+#include "tests/support/draw_fixture.h"
+
+namespace {
+
+constexpr COLORREF white = 0xFFFFFF;
+constexpr COLORREF black = 0;
+
+class DrawSequence : public DrawTest {
+protected:
+    DrawSequence() {
+        calls.name(canvas.dc(), "dc");
+        calls.name(Pass.defaultBrush, "defaultBrush");
+        calls.name(Pass.defaultPen, "defaultPen");
+        calls.name(selected(OBJ_BRUSH), "dcBrush");
+        calls.name(selected(OBJ_PEN), "dcPen");
+        calls.name(selected(OBJ_FONT), "dcFont");
+    }
+
+    void beginUnseen(int32_t kind = DrawTarget_Surface) {
+        begin(kind);
+        calls.name(Pass.brush, "brush");
+        calls.take();
+    }
+
+    CallRecorder calls;
+};
+
+TEST_F(DrawSequence, SetUpMakesTheDefaults) {
+    Draw_SubsystemInit();
+    EXPECT_TRUE(calls.match(R"(
+        CreateSolidBrush(0) -> brush1
+        CreatePen(0, 0, 0) -> pen1
+    )"));
+    EXPECT_EQ(calls.liveNames(), (std::vector<std::string>{"brush1", "pen1"}));
+}
+
+// --- Begin and end ---
+
+TEST_F(DrawSequence, BeginPutsTheContextInOrder) {
+    begin();
+    EXPECT_TRUE(calls.match(R"(
+        SetTextAlign(dc, 1)
+        SelectObject(dc, defaultBrush) -> dcBrush
+        SelectObject(dc, defaultPen) -> dcPen
+        CreateSolidBrush(0) -> brush1
+        SetTextColor(dc, 0)
+    )"));
+}
+
+TEST_F(DrawSequence, BeginOnNothingCallsNothing) {
+    EXPECT_EQ(Draw_Begin(nullptr), nullptr);
+    const DrawTarget target = targetOf(DrawTarget_Surface, nullptr);
+    EXPECT_EQ(Draw_Begin(&target), nullptr);
+    EXPECT_TRUE(calls.match(""));
+}
+
+TEST_F(DrawSequence, BeginEndsThePassBefore) {
+    beginUnseen();
+    begin();
+    EXPECT_TRUE(calls.match(R"(
+        SelectObject(dc, dcBrush) -> defaultBrush
+        SelectObject(dc, dcPen) -> defaultPen
+        DeleteObject(brush) -> 1
+        // the release routine:
+        MulDiv(7, 1, 1)
+        SetTextAlign(dc, 1)
+        ...
+        SetTextColor(dc, 0)
+    )"));
+}
+
+TEST_F(DrawSequence, ACompletePassGivesBackWhatItTook) {
+    begin();
+    Draw_End();
+    EXPECT_TRUE(calls.match(R"(
+        SetTextAlign(dc, 1)
+        SelectObject(dc, defaultBrush) -> dcBrush
+        SelectObject(dc, defaultPen) -> dcPen
+        CreateSolidBrush(0) -> brush1
+        SetTextColor(dc, 0)
+        SelectObject(dc, dcBrush) -> defaultBrush
+        SelectObject(dc, dcPen) -> defaultPen
+        DeleteObject(brush1) -> 1
+        MulDiv(7, 1, 1)
+    )"));
+    EXPECT_EQ(calls.live("brush"), 0u);
+}
+
+TEST_F(DrawSequence, EndDeletesThePassesPenAfterItsBrush) {
+    beginUnseen();
+    Pass.pen = CreatePen(PS_SOLID, 1, 0xFF);
+    calls.take();
+    Draw_End();
+    EXPECT_TRUE(calls.match(R"(
+        SelectObject(dc, dcBrush)
+        SelectObject(dc, dcPen)
+        DeleteObject(brush)
+        DeleteObject(pen1) -> 1
+        MulDiv(7, 1, 1)
+    )"));
+}
+
+TEST_F(DrawSequence, EndWithoutABrushDeletesNone) {
+    calls.fail("CreateSolidBrush", 1, 0);
+    begin();
+    calls.take();
+    Draw_End();
+    EXPECT_TRUE(calls.match(R"(
+        SelectObject(dc, dcBrush)
+        SelectObject(dc, dcPen)
+        MulDiv(7, 1, 1)
+    )"));
+}
+
+TEST_F(DrawSequence, APassOnAWindowTakesAndReleasesItsContext) {
+    HWND window =
+        CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 8, 8, nullptr, nullptr, nullptr, nullptr);
+    calls.name(window, "owner");
+    DrawTarget target = targetOf(DrawTarget_Window);
+    target.window = window;
+    calls.take();
+    Draw_Begin(&target);
+    Draw_End();
+    EXPECT_TRUE(calls.match(R"(
+        GetDC(owner) -> dc1
+        SetTextAlign(dc1, 1)
+        ...
+        DeleteObject(brush1) -> 1
+        ReleaseDC(owner, dc1) -> 1
+    )"));
+    DestroyWindow(window);
+}
+
+TEST_F(DrawSequence, APassOnAWindowWithoutAContextIsEmpty) {
+    calls.fail("GetDC", 1, 0);
+    DrawTarget target = targetOf(DrawTarget_Window);
+    EXPECT_EQ(Draw_Begin(&target), nullptr);
+    Draw_End();
+    EXPECT_TRUE(calls.match("GetDC(null) -> null"));
+}
+
+TEST_F(DrawSequence, APassOnAContextHandedOverDeletesIt) {
+    const DrawTarget target = targetOf(0, CreateCompatibleDC(nullptr));
+    calls.take();
+    Draw_Begin(&target);
+    Draw_End();
+    EXPECT_TRUE(calls.match(R"(
+        SetTextAlign(dc1, 1)
+        ...
+        DeleteObject(brush1) -> 1
+        DeleteDC(dc1) -> 1
+    )"));
+}
+
+// --- Mode ---
+
+struct ModeCalls {
+    int32_t mode;
+    const char* expected;
+};
+
+class ModeSequence : public DrawSequence, public testing::WithParamInterface<ModeCalls> {};
+
+TEST_P(ModeSequence, SetsMixBrushAndBackground) {
+    beginUnseen();
+    Draw_SetMode(GetParam().mode);
+    EXPECT_TRUE(calls.match(GetParam().expected)) << "mode " << GetParam().mode;
+}
+
+const ModeCalls modes[] = {
+    {0, "SetROP2(dc, 13)\n SelectObject(dc, brush)\n SetBkMode(dc, 2)"},
+    {1, "SetROP2(dc, 13)\n SelectObject(dc, brush)\n SetBkMode(dc, 1)"},
+    {2, "SetROP2(dc, 6)\n SelectObject(dc, brush)\n SetBkMode(dc, 2)"},
+    {3, "SetROP2(dc, 6)\n SelectObject(dc, brush)\n SetBkMode(dc, 1)"},
+    {4, "SetROP2(dc, 13)\n GetStockObject(5)\n SelectObject(dc, stock5)\n SetBkMode(dc, 2)"},
+    {5, "SetROP2(dc, 13)\n GetStockObject(5)\n SelectObject(dc, stock5)\n SetBkMode(dc, 1)"},
+    {6, "SetROP2(dc, 6)\n GetStockObject(5)\n SelectObject(dc, stock5)\n SetBkMode(dc, 2)"},
+    {7, "SetROP2(dc, 6)\n GetStockObject(5)\n SelectObject(dc, stock5)\n SetBkMode(dc, 1)"},
+    {8, "SetROP2(dc, 13)\n SelectObject(dc, brush)\n SetBkMode(dc, 2)"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Bits, ModeSequence, testing::ValuesIn(modes));
+
+// --- Font ---
+
+TEST_F(DrawSequence, SetFontSelectsIt) {
+    HFONT font = CreateFontA(-13, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Arial");
+    beginUnseen();
+    Draw_SetFont(reinterpret_cast<int64_t>(font));
+    EXPECT_TRUE(calls.match("SelectObject(dc, font1) -> dcFont"));
+    Draw_SetFont(-1);
+    EXPECT_TRUE(calls.match("GetStockObject(13)\n SelectObject(dc, stock13) -> font1"));
+    Draw_SetFont(0);
+    EXPECT_TRUE(calls.match("SelectObject(dc, null) -> null"));
+    Draw_End();
+    DeleteObject(font);
+}
+
+// --- Text ---
+
+TEST_F(DrawSequence, TextChangesBothColoursForItselfAlone) {
+    beginUnseen();
+    Draw_Text(10, 20, "row", white, 0x112233);
+    EXPECT_TRUE(calls.match(R"(
+        SetTextColor(dc, 0xFFFFFF) -> 0
+        SetBkColor(dc, 0x112233) -> 0xFFFFFF
+        MoveToEx(dc, 10, 20, null) -> 1
+        TextOutA(dc, 0, 0, "row", 3) -> 1
+        SetBkColor(dc, 0xFFFFFF) -> 0x112233
+        SetTextColor(dc, 0) -> 0xFFFFFF
+        MoveToEx(dc, 0, 0, &{*, 20}) -> 1
+    )"));
+}
+
+TEST_F(DrawSequence, BlackTextSetsNoTextColour) {
+    beginUnseen();
+    Draw_Text(10, 20, "row", black, 0x112233);
+    EXPECT_TRUE(calls.match(R"(
+        SetBkColor(dc, 0x112233) -> 0xFFFFFF
+        MoveToEx(dc, 10, 20, null)
+        TextOutA(dc, 0, 0, "row", 3)
+        SetBkColor(dc, 0xFFFFFF) -> 0x112233
+        MoveToEx(dc, 0, 0, &{*, 20})
+    )"));
+}
+
+TEST_F(DrawSequence, EmptyTextIsNotWritten) {
+    beginUnseen();
+    for (const char* text : {"", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(Draw_Text(10, 20, text, white, 0x112233), 10);
+        EXPECT_TRUE(calls.match(R"(
+            SetTextColor(dc, 0xFFFFFF)
+            SetBkColor(dc, 0x112233)
+            MoveToEx(dc, 10, 20, null)
+            SetBkColor(dc, 0xFFFFFF)
+            SetTextColor(dc, 0)
+            MoveToEx(dc, 0, 0, &{10, 20})
+        )"));
+    }
+}
+
+TEST_F(DrawSequence, TextSetsTheBackgroundInTransparentModeToo) {
+    beginUnseen();
+    Draw_SetMode(DrawMode_Transparent);
+    calls.take();
+    Draw_Text(1, 2, "a", black, 0x112233);
+    EXPECT_TRUE(calls.match(R"(
+        SetBkColor(dc, 0x112233)
+        MoveToEx(dc, 1, 2, null)
+        TextOutA(dc, 0, 0, "a", 1)
+        SetBkColor(dc, 0xFFFFFF)
+        MoveToEx(dc, 0, 0, &{*, 2})
+    )"));
+}
+
+// --- Images ---
+
+class ImageSequence : public DrawSequence {
+protected:
+    ImageSequence() { calls.name(picture.gdi(), "picture"); }
+    const TestPicture picture{3, {1, 2, 3, 4, 5, 6}}; // 3 by 2
+};
+
+TEST_F(ImageSequence, AnImageIsCopiedAtItsOwnSize) {
+    beginUnseen();
+    Draw_Image(picture.handle(), 20, 10);
+    EXPECT_TRUE(calls.match(R"(
+        GetObjectType(picture) -> 7
+        CreateCompatibleDC(dc) -> dc1
+        GetObjectA(picture, 32, *) -> 32
+        SelectObject(dc1, picture)
+        BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020) -> 1
+        DeleteDC(dc1) -> 1
+    )"));
+    EXPECT_EQ(calls.live("dc"), 0u);
+}
+
+TEST_F(ImageSequence, AnImageInvertsInTheInvertingMode) {
+    beginUnseen();
+    Draw_SetMode(DrawMode_Invert);
+    calls.take();
+    Draw_Image(picture.handle(), 20, 10);
+    Draw_ImageSized(picture.handle(), 20, 10, 6, 4);
+    EXPECT_TRUE(calls.match(R"(
+        ...
+        BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0x1100A6) -> 1
+        ...
+        StretchBlt(dc, 20, 10, 6, 4, dc1, 0, 0, 3, 2, 0x1100A6) -> 1
+        DeleteDC(dc1)
+    )"));
+}
+
+TEST_F(ImageSequence, OtherModeBitsLeaveImagesAlone) {
+    beginUnseen();
+    Draw_SetMode(DrawMode_Transparent | DrawMode_Unfilled);
+    calls.take();
+    Draw_Image(picture.handle(), 20, 10);
+    EXPECT_TRUE(calls.match("...\n BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)\n DeleteDC(dc1)"));
+}
+
+TEST_F(ImageSequence, ItsOwnSizeGivenInFullIsCopied) {
+    beginUnseen();
+    Draw_ImageSized(picture.handle(), 20, 10, 3, 2);
+    EXPECT_TRUE(calls.match("...\n BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)\n DeleteDC(dc1)"));
+}
+
+struct SizedCall {
+    int32_t width;
+    int32_t height;
+    const char* expected;
+};
+
+class SizedSequence : public ImageSequence, public testing::WithParamInterface<SizedCall> {};
+
+TEST_P(SizedSequence, IsCopiedOrStretched) {
+    beginUnseen();
+    Draw_ImageSized(picture.handle(), 20, 10, GetParam().width, GetParam().height);
+    EXPECT_TRUE(calls.match(std::string(R"(
+        GetObjectType(picture) -> 7
+        CreateCompatibleDC(dc) -> dc1
+        GetObjectA(picture, 32, *) -> 32
+        SelectObject(dc1, picture)
+        )") + GetParam().expected +
+                            R"(
+        DeleteDC(dc1) -> 1
+    )"));
+}
+
+const SizedCall sizes[] = {
+    {9, 0, "BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)"},
+    {0, 9, "BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)"},
+    {3, 9, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 3, 9, dc1, 0, 0, 3, 2, 0xCC0020)"},
+    {9, 2, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 9, 2, dc1, 0, 0, 3, 2, 0xCC0020)"},
+    {6, 4, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 6, 4, dc1, 0, 0, 3, 2, 0xCC0020)"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Sizes, SizedSequence, testing::ValuesIn(sizes));
+
+TEST_F(ImageSequence, WithoutAMemoryContextNothingIsDrawn) {
+    beginUnseen();
+    calls.fail("CreateCompatibleDC", 1, 0);
+    Draw_Image(picture.handle(), 20, 10);
+    EXPECT_TRUE(calls.match("GetObjectType(picture)\n CreateCompatibleDC(dc) -> null"));
+}
+
+TEST_F(ImageSequence, ATargetOfBitsTakesAPackedBitmap) {
+    beginUnseen(DrawTarget_Bits);
+    Draw_Image(picture.handle(), 20, 10);
+    EXPECT_TRUE(calls.match(R"(
+        GetObjectType(picture) -> 7
+        CreateCompatibleDC(dc) -> dc1
+        GetObjectA(picture, 32, *) -> 32
+        GetObjectA(picture, 32, *) -> 32
+        GlobalAlloc(0x40, 64) -> global1
+        GetDC(null) -> dc2
+        GetDIBits(dc2, picture, 0, 2, *)
+        ReleaseDC(null, dc2)
+        SetStretchBltMode(dc, 3)
+        StretchDIBits(dc, 20, 10, 3, 2, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0xCC0020)
+        GlobalFree(global1) -> null
+        DeleteDC(dc1) -> 1
+    )"));
+    EXPECT_EQ(calls.live("global"), 0u);
+}
+
+TEST_F(ImageSequence, ATargetOfBitsScalesAndInverts) {
+    beginUnseen(DrawTarget_Bits);
+    Draw_SetMode(DrawMode_Invert);
+    calls.take();
+    Draw_ImageSized(picture.handle(), 20, 10, 6, 5);
+    EXPECT_TRUE(calls.match(R"(
+        ...
+        SetStretchBltMode(dc, 3)
+        StretchDIBits(dc, 20, 10, 6, 5, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0x1100A6)
+        GlobalFree(global1)
+        DeleteDC(dc1)
+    )"));
+}
+
+TEST_F(ImageSequence, ATargetOfBitsWithoutAPackedBitmapGetsNothing) {
+    beginUnseen(DrawTarget_Bits);
+    calls.fail("GetDIBits", 1, 0);
+    Draw_Image(picture.handle(), 20, 10);
+    EXPECT_TRUE(calls.match(R"(
+        ...
+        ReleaseDC(null, dc2)
+        GlobalFree(global1)
+        DeleteDC(dc1) -> 1
+    )"));
+    EXPECT_EQ(canvas.count(ground, 0, 0, 64, 48), 64 * 48);
+}
+
+TEST_F(ImageSequence, WhatIsNoBitmapIsDrawnAsAnIcon) {
+    HICON icon = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION));
+    calls.name(icon, "picture2");
+    beginUnseen();
+    Draw_Image(reinterpret_cast<int64_t>(icon), 20, 10);
+    EXPECT_TRUE(calls.match(R"(
+        GetObjectType(picture2) -> 0
+        DrawIconEx(dc, 20, 10, picture2, 0, 0, 0, null, 3) -> 1
+    )"));
+    Draw_ImageSized(reinterpret_cast<int64_t>(icon), 1, 2, 33, 44);
+    EXPECT_TRUE(calls.match(R"(
+        GetObjectType(picture2) -> 0
+        DrawIconEx(dc, 1, 2, picture2, 33, 44, 0, null, 3) -> 1
+    )"));
+}
+
+TEST_F(ImageSequence, AFailedImageGoesTheIconsWay) {
+    beginUnseen();
+    Draw_Image(0, 20, 10);
+    EXPECT_TRUE(calls.match(R"(
+        GetObjectType(null) -> 0
+        DrawIconEx(dc, 20, 10, null, 0, 0, 0, null, 3) -> 0
+    )"));
+}
+
+// --- After pixel work ---
+
+class ResumeSequence : public DrawSequence {
+protected:
+    ResumeSequence() {
+        resumed = canvas.dc();
+        DrawTarget target = targetOf(DrawTarget_Surface);
+        target.resume = resume;
+        Draw_Begin(&target);
+        calls.name(Pass.brush, "brush");
+    }
+    static HDC resume() {
+        leaveMark(8);
+        return resumed;
+    }
+    static inline HDC resumed = nullptr;
+};
+
+TEST_F(ResumeSequence, RebuildsTheContextInOrder) {
+    Pass.textColor = 0x010203;
+    Pass.dcState = -1;
+    calls.take();
+    Draw_ResumeDc();
+    EXPECT_TRUE(calls.match(R"(
+        MulDiv(8, 1, 1)
+        SetTextColor(dc, 0x010203)
+        SetTextAlign(dc, 1)
+        SetBkColor(dc, 0xFFFFFF)
+        SelectObject(dc, brush)
+        SelectObject(dc, null)
+        SelectObject(dc, null)
+    )"));
+}
+
+TEST_F(ResumeSequence, SetsAModeOfThePass) {
+    Draw_SetMode(DrawMode_Invert);
+    Pass.font = static_cast<HFONT>(selected(OBJ_FONT));
+    Pass.dcState = -1;
+    calls.take();
+    Draw_ResumeDc();
+    EXPECT_TRUE(calls.match(R"(
+        MulDiv(8, 1, 1)
+        SetTextColor(dc, 0)
+        SetTextAlign(dc, 1)
+        SetBkColor(dc, 0xFFFFFF)
+        SetROP2(dc, 6)
+        SelectObject(dc, brush)
+        SetBkMode(dc, 2)
+        SelectObject(dc, null)
+        SelectObject(dc, dcFont)
+    )"));
+}
+
+TEST_F(ResumeSequence, IsNoCallAtAllWhileTheContextIsThere) {
+    calls.take();
+    Draw_ResumeDc();
+    EXPECT_TRUE(calls.match(""));
+}
+
+} // namespace
