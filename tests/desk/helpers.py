@@ -9,6 +9,7 @@ import numpy
 
 from catalogue import INTRO_FILES, ROWS, WELCOME
 from desk import wait_until
+from desk.locking import locked
 from desk.menu import DATA_NAME, INFO_NAME, LIST_TOP, PROGRAM_NAME, Menu, row_place
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -49,10 +50,11 @@ class Helpers:
 
     def _built(self, source, *options):
         source, program = SOURCES / source, self._folder / Path(source).with_suffix(".exe")
-        if not program.exists() or program.stat().st_mtime < source.stat().st_mtime:
-            compiler = COMPILERS[source.suffix]
-            subprocess.run([compiler, *COMPILE, str(source), "-o", str(program), *options],
-                           check=True)
+        with locked(program):
+            if not program.exists() or program.stat().st_mtime < source.stat().st_mtime:
+                compiler = COMPILERS[source.suffix]
+                subprocess.run([compiler, *COMPILE, str(source), "-o", str(program), *options],
+                               check=True)
         return program
 
 

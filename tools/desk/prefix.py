@@ -6,6 +6,7 @@ import subprocess
 import tempfile
 from pathlib import Path
 
+from .locking import locked
 from .waiting import DeskError
 
 WINE = "/usr/lib/wine/wine64"
@@ -53,22 +54,9 @@ def wine_environment(prefix, **more):
 def make_template(template):
     """Makes the template prefix if it is not there yet. The first time takes some seconds."""
     template = Path(template)
-    if template.exists():
-        return
-    if not os.path.exists(WINE):
-        raise DeskError("Wine (64-bit) is not installed: run tools/setup first")
-    unfinished = template.with_name(template.name + ".unfinished")
-    shutil.rmtree(unfinished, ignore_errors=True)
-    unfinished.mkdir(parents=True)
-    with tempfile.TemporaryDirectory(prefix="desk-") as sockets:
-        environment = wine_environment(unfinished, DISPLAY=None, TMPDIR=sockets)
-        done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
-                              stdin=subprocess.DEVNULL)
-        # The registry reaches the disk when the server has ended.
-        subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
-    if done.returncode != 0 or not (unfinished / "user.reg").exists():
-        raise DeskError(f"Wine could not make a prefix in {unfinished}")
-    os.rename(unfinished, template)
+    with locked(template):
+        if not template.exists():
+            _make_prefix(template)
 
 
 def clone_template(template, clone, *settings):
@@ -84,6 +72,23 @@ def clone_template(template, clone, *settings):
             (clone / "drive_c" / entry.name).symlink_to(entry)
     for group in settings:
         _add_settings(clone / "user.reg", group)
+
+
+def _make_prefix(template):
+    if not os.path.exists(WINE):
+        raise DeskError("Wine (64-bit) is not installed: run tools/setup first")
+    unfinished = template.with_name(template.name + ".unfinished")
+    shutil.rmtree(unfinished, ignore_errors=True)
+    unfinished.mkdir(parents=True)
+    with tempfile.TemporaryDirectory(prefix="desk-") as sockets:
+        environment = wine_environment(unfinished, DISPLAY=None, TMPDIR=sockets)
+        done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
+                              stdin=subprocess.DEVNULL)
+        # The registry reaches the disk when the server has ended.
+        subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
+    if done.returncode != 0 or not (unfinished / "user.reg").exists():
+        raise DeskError(f"Wine could not make a prefix in {unfinished}")
+    os.rename(unfinished, template)
 
 
 def _add_settings(registry_file, settings):
