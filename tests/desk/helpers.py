@@ -64,6 +64,7 @@ class Stall:
     def __init__(self, folder, helpers):
         self.folder = Path(folder)
         self._helpers = helpers
+        assert (BUILD / PROGRAM_NAME).exists(), "build the program first: ./run --build"
         shutil.copy2(BUILD / PROGRAM_NAME, self.folder)
         self.set_data(helpers.probe)
 

@@ -12,6 +12,7 @@ from .waiting import wait_until
 COLUMNS = 7
 THUMBNAIL = (256, 192)
 CAPTION_HEIGHT = 16
+SHOWN_PIXELS = 100
 MOVED_PIXELS = 100
 
 # One intro as it was seen: its row, its file, its first picture and a later one.
@@ -23,12 +24,12 @@ def show(menu, row, name, seconds=0.0):
     picture taken when it has moved and `seconds` have passed; the menu is then back."""
     menu.press("Return")
     wait_until(lambda: name in menu.desk.program_names(), f"{name} to run")
-    first = menu.desk.wait_picture(lambda pixels: pixels.any() and highlighted_row(pixels) is None,
-                                   f"a picture of {name}")
+    first = menu.desk.wait_picture(
+        lambda pixels: highlighted_row(pixels) is None and _count(pixels) > SHOWN_PIXELS,
+        f"a picture of {name}")
     time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
-    later = menu.desk.wait_picture(
-        lambda pixels: (pixels != first).any(axis=2).sum() > MOVED_PIXELS,
-        f"movement in the picture of {name}")
+    later = menu.desk.wait_picture(lambda pixels: _count(pixels != first) > MOVED_PIXELS,
+                                   f"movement in the picture of {name}")
     menu.desk.screen.focus_top_window()
     menu.desk.screen.tap("Escape")
     menu.wait_up(row)
@@ -56,9 +57,16 @@ def contact_sheet(shots):
     return sheet
 
 
+def _count(pixels):
+    """How many pixels are not black, or not the same."""
+    return int(pixels.any(axis=2).sum())
+
+
 def _thumbnail(shot):
     """The intro without the black around it, on a ground of the thumbnail's size."""
-    rows, columns = numpy.nonzero(shot.later.any(axis=2) | shot.first.any(axis=2))
+    lit = shot.later.any(axis=2) | shot.first.any(axis=2)
+    lit[-1, -1] = False  # the mouse pointer
+    rows, columns = numpy.nonzero(lit)
     used = shot.later[rows.min():rows.max() + 1, columns.min():columns.max() + 1]
     picture = Image.fromarray(used)
     picture.thumbnail(THUMBNAIL)

@@ -31,11 +31,12 @@ HEADLESS_SETTINGS = {
 
 
 def virtual_desktop_settings(size):
-    """Every program of the prefix then opens in one desktop window of this size."""
+    """Every program of the prefix then opens in one black desktop window of this size."""
     width, height = size
     return {
         r"Software\Wine\Explorer": {"Desktop": "Ostrik"},
         r"Software\Wine\Explorer\Desktops": {"Ostrik": f"{width}x{height}"},
+        r"Control Panel\Colors": {"Background": "0 0 0"},
     }
 
 

@@ -21,6 +21,7 @@ class Screen:
         self.display = self._start_server(folder)
         self._environment = {**os.environ, "DISPLAY": self.display}
         self._pixels = self._map_pixels()
+        self._park_pointer()
 
     def pixels(self):
         """The picture of this moment: an array of rows of red, green, blue, 0 to 255 each."""
@@ -38,6 +39,7 @@ class Screen:
 
     def click(self, x, y, button):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
+        self._park_pointer()
 
     def focus_top_window(self):
         """Gives the keys to the window in front; without that every key vanishes."""
@@ -79,6 +81,10 @@ class Screen:
         start = int(header[0] + header[19] * 12)
         return numpy.memmap(self._frame_file, dtype=numpy.uint8, mode="r", offset=start,
                             shape=(int(header[5]), int(header[12]) // 4, 4))
+
+    def _park_pointer(self):
+        """The server draws the pointer into the picture: one pixel is left of it in the corner."""
+        self._xdotool("mousemove", str(self.size[0]), str(self.size[1]))
 
     def _top_window(self):
         found = self._search(".")

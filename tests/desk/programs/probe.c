@@ -50,11 +50,23 @@ static void report(void) {
     }
 }
 
+/* A bar that grows to the right and starts again, under the part that tests look at. */
+static void drawMovement(HWND window) {
+    static int length;
+    RECT all = {0, 190, 320, 200}, bar = {0, 190, length = (length + 20) % 320, 200};
+    HDC canvas = GetDC(window);
+    FillRect(canvas, &all, GetStockObject(BLACK_BRUSH));
+    FillRect(canvas, &bar, GetStockObject(WHITE_BRUSH));
+    ReleaseDC(window, canvas);
+}
+
 static LRESULT CALLBACK handleMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
     if (message == WM_KEYDOWN && first == VK_ESCAPE)
         PostQuitMessage(0);
     if (message == WM_TIMER && isOrdered("leave"))
         PostQuitMessage(0);
+    if (message == WM_TIMER)
+        drawMovement(window);
     return DefWindowProcA(window, message, first, second);
 }
 
