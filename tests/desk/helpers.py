@@ -78,14 +78,14 @@ class Stall:
     def set_info(self, content):
         (self.folder / INFO_NAME).write_bytes(content)
 
-    def open_menu(self, desk, unpacks=INTRO_FILES):
+    def open_menu(self, desk, unpacks=INTRO_FILES, **options):
         """Starts the menu, without waiting for its picture. `unpacks` is what the data file is
-        to write into the staging folder."""
+        to write into the staging folder; the other options are those of Desk.start."""
         orders = desk.drive_c / "probe"
         shutil.rmtree(orders, ignore_errors=True)
         orders.mkdir()
         (orders / "names.txt").write_text("".join(name + "\n" for name in unpacks))
-        return Menu(desk, self.folder)
+        return Menu(desk, self.folder, **options)
 
 
 class Windows:

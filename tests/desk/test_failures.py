@@ -73,6 +73,7 @@ def hung_menu(desk, open_menu, helpers):
 
 
 def test_a_missing_intro_hangs_the_menu_busy_and_without_a_window(desk, hung_menu, helpers):
+    assert hung_menu.program.alive(), "it hangs, and does not end"
     assert hung_menu.program.cpu_share(1.0) > 0.5
     assert Windows(desk, helpers).classes() == set()
     assert reports(desk) == 1, "only the intro before it has run"
@@ -80,7 +81,6 @@ def test_a_missing_intro_hangs_the_menu_busy_and_without_a_window(desk, hung_men
     heard = recording.samples(recording.wait_for(0.5))
     recording.stop()
     assert not heard.any(), "the music has stopped"
-    assert hung_menu.program.alive()
 
 
 def test_a_display_that_refuses_the_mode_ends_the_program_by_a_fault(make_desk, open_menu, helpers):
@@ -92,12 +92,28 @@ def test_a_display_that_refuses_the_mode_ends_the_program_by_a_fault(make_desk, 
     assert menu.staging_folder.exists(), "the fault leaves no time to tidy up"
 
 
-def test_without_a_sound_card_a_box_tells_and_no_screen_opens(make_desk, open_menu, helpers):
-    desk = make_desk(sound=False, screen_size=(1280, 1024), desktop_size=(1280, 1024))
-    menu = open_menu(desk)
+def assert_gives_up_at_once(desk, menu, helpers):
+    """The box of a start that failed, before any screen has opened and anything is staged."""
     assert "Can't initialize system" in wait_box(desk, helpers, "Error")
     assert WINDOW_CLASS not in Windows(desk, helpers).classes()
     assert desk.ask(helpers.look, "mode").strip() == "1280x1024", "no screen has been opened"
-    assert not menu.staging_folder.exists(), "nothing has been staged"
+    assert not menu.staging_folder.exists()
     press_ok(desk)
     assert menu.program.wait_end() == 0
+
+
+def test_without_a_sound_card_a_box_tells_and_no_screen_opens(make_desk, open_menu, helpers):
+    desk = make_desk(sound=False, screen_size=(1280, 1024), desktop_size=(1280, 1024))
+    assert_gives_up_at_once(desk, open_menu(desk), helpers)
+
+
+@pytest.fixture(scope="module")
+def larger_desk(make_desk):
+    return make_desk(screen_size=(1280, 1024), desktop_size=(1280, 1024))
+
+
+@pytest.mark.parametrize("library", ["ddraw", "dinput", "dsound"])
+def test_without_a_device_library_a_box_tells_and_no_screen_opens(larger_desk, open_menu, helpers,
+                                                                  library):
+    menu = open_menu(larger_desk, missing=[library])
+    assert_gives_up_at_once(larger_desk, menu, helpers)

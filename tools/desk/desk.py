@@ -75,11 +75,13 @@ class Desk:
             return self.drive_c / self._temp_name
         return next((self.drive_c / "users").glob("*/Temp"))
 
-    def start(self, path, folder, *arguments):
-        """Starts a Windows program with `folder` as its current folder."""
-        command = [WINE, str(path), *arguments]
-        return Program(self._children.start("program", command, cwd=folder,
-                                            env=self.environment))
+    def start(self, path, folder, missing=()):
+        """Starts a Windows program with `folder` as its current folder, on a system without the
+        `missing` libraries."""
+        environment = dict(self.environment)
+        environment["WINEDLLOVERRIDES"] += "".join(f";{library}=" for library in missing)
+        return Program(self._children.start("program", [WINE, str(path)], cwd=folder,
+                                            env=environment))
 
     def ask(self, path, *arguments, limit=30):
         """Runs a Windows console program to its end and gives what it printed."""

@@ -65,7 +65,7 @@ def _count(pixels):
 def _thumbnail(shot):
     """The intro without the black around it, on a ground of the thumbnail's size."""
     lit = shot.later.any(axis=2) | shot.first.any(axis=2)
-    lit[-1, -1] = False  # the mouse pointer
+    lit[-4:, -4:] = False  # the mouse pointer
     rows, columns = numpy.nonzero(lit)
     used = shot.later[rows.min():rows.max() + 1, columns.min():columns.max() + 1]
     picture = Image.fromarray(used)

@@ -52,10 +52,10 @@ def _is_corner(pixels, x, y):
 class Menu:
     """A running menu program. `folder` holds program and data file and is its current folder."""
 
-    def __init__(self, desk, folder):
+    def __init__(self, desk, folder, **options):
         self.desk = desk
         self.folder = Path(folder)
-        self.program = desk.start(self.folder / PROGRAM_NAME, self.folder)
+        self.program = desk.start(self.folder / PROGRAM_NAME, self.folder, **options)
 
     @property
     def staging_folder(self):

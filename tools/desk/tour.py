@@ -95,7 +95,8 @@ class Tour:
 def main(build):
     out = build / "tour"
     out.mkdir(parents=True, exist_ok=True)
-    print("Touring the menu on a headless desk; this takes about two minutes.", flush=True)
+    print("Touring the menu on a headless desk; this takes about two minutes, and some seconds\n"
+          "more the first time, when Wine sets itself up.", flush=True)
     with Desk(build / "desk" / "logs" / "tour", build / "desk" / "template") as desk:
         Tour(desk, build, out).walk()
     print(f"Pictures and sound of the tour are in {out}")
