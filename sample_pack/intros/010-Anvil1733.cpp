@@ -22,23 +22,24 @@ float heat[fireHeight + 2][fireWidth];
 // New fuel along the lower edge, in clumps that come and go.
 void feedFire(int step) {
     for (int x = 0; x < fireWidth; ++x) {
-        const float clump = Maths_Noise(float(x) / 10.0f, float(step) / 12.0f);
-        const float lump = Maths_Hash(x / 3, step / 3);
-        heat[fireHeight][x] = heat[fireHeight + 1][x] = 2.1f * clump * clump + 0.6f * lump;
+        const float clump = Maths_Noise(float(x) / 11.0f, float(step) / 14.0f);
+        const float lump = Maths_Hash(x / 2, step / 2);
+        heat[fireHeight][x] = heat[fireHeight + 1][x] = 1.7f * clump * (0.35f + lump);
     }
 }
 
-// Heat rises, spreads and is lost; the draught pushes it aside.
+// Heat rises, spreads and is lost; a draught pushes a grain of it aside now and then.
 void stepFire(int step) {
     feedFire(step);
     for (int y = 0; y < fireHeight; ++y)
         for (int x = 0; x < fireWidth; ++x) {
-            const float wind = Maths_Noise(float(x) / 24.0f, float(y + step) / 18.0f);
-            const int from = (x + int(3.0f * wind) - 1 + fireWidth) % fireWidth;
+            const float chance = Maths_Hash(x + 7 * step, y);
+            const int draught = chance < 0.22f ? -1 : chance > 0.80f ? 1 : 0;
+            const int from = (x + draught + fireWidth) % fireWidth;
             const int left = (from + fireWidth - 1) % fireWidth, right = (from + 1) % fireWidth;
-            const float below = heat[y + 1][left] + heat[y + 1][from] + heat[y + 1][right];
-            const float loss = 0.018f * Maths_Hash(x, y + step);
-            heat[y][x] = std::fmax(0.25f * (below + heat[y + 2][from]) - loss, 0.0f);
+            const float below = heat[y + 1][left] + heat[y + 1][right];
+            const float sum = below + 0.8f * heat[y + 1][from] + 1.2f * heat[y + 2][from];
+            heat[y][x] = std::fmax(0.25f * sum - 0.013f * chance, 0.0f);
         }
 }
 

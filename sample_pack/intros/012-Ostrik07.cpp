@@ -23,7 +23,7 @@ void paintTile(int x, int y, Colour colour) {
 Colour shadeGround(int x, int y) {
     const int dx = x - 84, dy = y - 150, diagonal = (x + y) & (tileSize - 1);
     if (dx * dx + dy * dy < 62 * 62)
-        return dx * dx + dy * dy < 40 * 40 ? black : red;
+        return dx * dx + dy * dy < 46 * 46 ? black : steel;
     if (diagonal > 222 && diagonal < 246)
         return steel;
     if (((x - y) & (tileSize - 1)) < 14)

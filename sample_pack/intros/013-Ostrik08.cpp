@@ -41,16 +41,16 @@ Colour shadeHill(int x, int y) {
     const float speck = 0.25f * Maths_Hash(x, y);
     const Colour meadow = Colour_Mix(0x2C5C20, 0x8CB040, Maths_Clamp(height * 1.6f + speck - 0.2f));
     const Colour rock =
-        Colour_Mix(meadow, 0x84786C, Maths_Smooth(0.46f, 0.60f, height + speck * 0.3f));
+        Colour_Mix(meadow, 0x84786C, Maths_Smooth(0.44f, 0.60f, height + speck * 0.2f));
     const Colour snow =
-        Colour_Mix(rock, 0xF8FCFF, Maths_Smooth(0.62f, 0.70f, height + speck * 0.2f));
+        Colour_Mix(rock, 0xF8FCFF, Maths_Smooth(0.60f, 0.70f, height + speck * 0.1f));
     return Colour_Scale(snow, Maths_Clamp(0.72f + 0.6f * slope, 0.3f, 1.0f));
 }
 
 void makeMap() {
     for (int y = 0; y < mapSize; ++y)
         for (int x = 0; x < mapSize; ++x)
-            heights[y][x] = uint8_t(255.0f * shapeHill(x, y));
+            heights[y][x] = uint8_t(254.0f * shapeHill(x, y));
     for (int y = 0; y < mapSize; ++y)
         for (int x = 0; x < mapSize; ++x)
             ground[y][x] = shadeHill(x, y);
@@ -67,7 +67,7 @@ struct Flight {
 };
 
 Flight flyTo(float seconds) {
-    const float turn = 0.13f + 0.08f * Maths_Sin(0.035f * seconds);
+    const float turn = 0.10f + 0.08f * Maths_Sin(0.035f * seconds);
     const float x = 40.0f + 34.0f * seconds, y = 100.0f + 90.0f * Maths_Sin(0.02f * seconds);
     return {x, y, 265.0f, Maths_Cos(turn), Maths_Sin(turn)};
 }
@@ -148,6 +148,6 @@ void Intro_Draw(Canvas& canvas, float seconds) {
     const Flight flight = flyTo(seconds);
     for (int column = 0; column < Canvas_Width; ++column)
         drawColumn(canvas, column, flight);
-    drawMarmot(canvas, 412.0f, 1.25f, seconds + 1.0f);
+    drawMarmot(canvas, 412.0f, 1.35f, seconds);
     drawMarmot(canvas, 322.0f, 0.7f, seconds * 1.2f + 3.4f);
 }

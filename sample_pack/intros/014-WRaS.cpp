@@ -130,5 +130,5 @@ void Intro_Draw(Canvas& canvas, float seconds) {
         for (int x = 0; x < width; ++x)
             canvas.pixels[top + y][left + x] = shadeLoaded(x, y, lines, colours);
     if (lines < 0.0f)
-        PixelFont_Write(canvas, "BYTES: WREN+SPARROW", left + 2, top + 8, 2, 0x000000);
+        PixelFont_Write(canvas, "NOW: WREN + SPARROW", left + 2, top + 8, 2, 0x000000);
 }

@@ -4,6 +4,8 @@
 #include "letters.h"
 #include "stage.h"
 
+#include <algorithm>
+
 const char Intro_Title[] = "Ostrik Intro 9 Dornfeld";
 
 namespace {
@@ -36,13 +38,14 @@ void makeLabel() {
             label[y][x] = shadeLabel(x, y);
 }
 
-// The cluster hangs together and still never rests.
+// The bunch hangs together in rows and still never rests.
 Point placeBall(int ball, float seconds) {
+    const int row = ball < 5 ? 0 : ball < 9 ? 1 : ball < 12 ? 2 : 3;
+    const int column = ball - (row == 0 ? 0 : row == 1 ? 5 : row == 2 ? 9 : 12);
+    const float left = -17.0f * float(row == 3 ? 0 : 4 - row);
     const float phase = float(ball) * 0.381966f;
-    const float reach = 20.0f + 74.0f * Maths_Fract(phase * 3.7f);
-    const float x = 128.0f + 1.25f * reach * Maths_Sin(phase + 0.06f * seconds);
-    const float y = 78.0f + 0.62f * reach * Maths_Cos(1.7f * phase + 0.083f * seconds);
-    return {x, y};
+    return {128.0f + left + 34.0f * float(column) + 6.0f * Maths_Sin(phase + 0.13f * seconds),
+            46.0f + 25.0f * float(row) + 6.0f * Maths_Sin(2.6f * phase + 0.17f * seconds)};
 }
 
 void addBall(Point centre, float size) {
@@ -50,17 +53,22 @@ void addBall(Point centre, float size) {
         const float dy = float(y) - centre.y;
         for (int x = 0; x <= halfWidth; ++x) {
             const float dx = float(x) - centre.x;
-            field[y][x] += size / (dx * dx + dy * dy + 12.0f);
+            const float pull = size / (dx * dx + dy * dy + 1.0f);
+            field[y][x] += pull * pull * pull;
         }
     }
 }
 
+// For a ball alone the field becomes the square of the distance from its middle, 1 at its skin.
 void makeField(float seconds) {
     for (auto& row : field)
         for (float& place : row)
-            place = 0.0f;
+            place = 0.001f;
     for (int ball = 0; ball < ballCount; ++ball)
-        addBall(placeBall(ball, seconds), 190.0f + 130.0f * Maths_Hash(ball));
+        addBall(placeBall(ball, seconds), 330.0f + 110.0f * Maths_Hash(ball));
+    for (auto& row : field)
+        for (float& place : row)
+            place = 1.0f / std::cbrt(place);
 }
 
 float fieldAt(int x, int y) {
@@ -71,22 +79,36 @@ float fieldAt(int x, int y) {
                      down);
 }
 
-// The field is taken for a height: its slope tells where the light falls.
+// The slope of the field is the way the skin looks.
 Colour shadeGrape(int x, int y, float level) {
-    const float slopeX = (field[y / 2][x / 2 + 1] - field[y / 2][x / 2]) / level;
-    const float slopeY = (field[y / 2 + 1][x / 2] - field[y / 2][x / 2]) / level;
-    const float lean = 9.0f * (slopeX + 1.3f * slopeY);
-    const float light = 0.36f + 0.55f * lean - 0.05f * level;
-    const float aimX = 12.0f * slopeX - 0.45f, aimY = 12.0f * slopeY - 0.55f;
-    const float spark = Maths_Smooth(0.22f, 0.02f, aimX * aimX + aimY * aimY);
-    const float bloom = 0.10f * Maths_Noise(float(x) / 12.0f, float(y) / 12.0f);
-    return Colour_Mix(Colour_Ramp(skin, light + bloom), 0xFFF4F8, 0.85f * spark);
+    const float* here = &field[y / 2][x / 2];
+    const float lookX = 9.5f * (here[1] - here[0]), lookY = 9.5f * (here[halfWidth + 1] - here[0]);
+    const float front = std::sqrt(std::fmax(1.0f - lookX * lookX - lookY * lookY, 0.0f));
+    const float light = -0.42f * lookX - 0.52f * lookY + 0.62f * front;
+    const float rim = 0.22f * level * level * level * Maths_Clamp(lookX + lookY);
+    const float bloom = 0.09f * Maths_Noise(float(x) / 12.0f, float(y) / 12.0f);
+    const float aimX = lookX + 0.38f, aimY = lookY + 0.45f;
+    const float spark = Maths_Smooth(0.06f, 0.0f, aimX * aimX + aimY * aimY);
+    return Colour_Mix(Colour_Ramp(skin, 0.08f + 0.66f * light + rim + bloom), 0xFFF4F8, spark);
+}
+
+void drawStalk(Canvas& canvas) {
+    Canvas_Line(canvas, {256, 92}, {262, 36}, 7.0f, 0x5C4420);
+    Canvas_Line(canvas, {214, 38}, {312, 34}, 8.0f, 0x4C3818);
+    constexpr Point leaf[] = {{300, 40}, {322, 26}, {330, 38}, {356, 30},  {360, 48}, {388, 58},
+                              {364, 70}, {366, 92}, {342, 84}, {326, 104}, {316, 80}, {294, 78}};
+    Canvas_PaintPolygon(leaf, 12, [&](int x, int y, float share) {
+        const float vein = std::fabs(float(y) - 40.0f - 0.42f * (float(x) - 300.0f));
+        const float light = 0.55f + 0.3f * Maths_Noise(float(x) / 15.0f, float(y) / 15.0f);
+        const Colour green = Colour_Scale(vein < 1.2f ? 0xC8D078 : 0x6C9C30, light);
+        Canvas_Blend(canvas, x, y, green, share);
+    });
 }
 
 Colour shade(int x, int y) {
     const float level = fieldAt(x, y);
-    const float inside = Maths_Smooth(0.96f, 1.04f, level);
-    const float shadow = Maths_Smooth(0.45f, 1.15f, y > 8 && x > 6 ? fieldAt(x - 6, y - 8) : 0.0f);
+    const float inside = Maths_Smooth(1.02f, 0.95f, level);
+    const float shadow = Maths_Smooth(1.9f, 0.8f, fieldAt(std::max(x - 8, 0), std::max(y - 10, 0)));
     const Colour paper = Colour_Scale(label[y][x], 1.0f - 0.42f * shadow);
     return inside > 0.0f ? Colour_Mix(paper, shadeGrape(x, y, level), inside) : paper;
 }
@@ -105,5 +127,6 @@ void Intro_Draw(Canvas& canvas, float seconds) {
         makeLabel();
     makeField(seconds);
     Canvas_Fill(canvas, shade);
+    drawStalk(canvas);
     drawName(canvas);
 }

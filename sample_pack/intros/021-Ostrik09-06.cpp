@@ -1,0 +1,115 @@
+// A lamp of salt: a clear crystal turns around its own light, every face lets the others through.
+
+#include "letters.h"
+#include "space.h"
+#include "stage.h"
+
+const char Intro_Title[] = "Ostrik Intro 9 M6 Salt Lantern";
+
+namespace {
+
+constexpr int faceCount = 4 * Space_BallFaces;
+constexpr float lens = 520.0f;
+constexpr Colour salt[] = {0xFF5828, 0xFF8048, 0xFFA070, 0xFF6848, 0xFFC090};
+
+const Lettering name = Letters_Make("Salt Lantern", Face::Serif, 64);
+const Lettering nameShine = Letters_Soften(name, 16);
+
+struct Facet {
+    Vector corners[3];
+};
+
+Facet facets[faceCount];
+
+// A ball with its faces cut in four, then knocked about and drawn out to a point.
+Vector roughen(Vector corner) {
+    const Vector out = Space_Unit(corner);
+    const int key = int(out.x * 50.0f + 99.0f) * 211 + int(out.y * 50.0f + 99.0f);
+    const float chip = 0.82f + 0.3f * Maths_Hash(key, int(out.z * 50.0f + 99.0f));
+    const float taper = out.y < 0.0f ? 1.0f + 0.22f * out.y : 1.0f - 0.05f * out.y;
+    return {out.x * chip * taper, out.y * chip * 1.45f, out.z * chip * taper};
+}
+
+void cutFacets() {
+    int made = 0;
+    for (const auto& face : Space_BallFace) {
+        const Vector a = Space_BallCorner[face[0]], b = Space_BallCorner[face[1]],
+                     c = Space_BallCorner[face[2]];
+        const Vector ab = roughen(a + b), bc = roughen(b + c), ca = roughen(c + a);
+        facets[made++] = {{roughen(a), ab, ca}};
+        facets[made++] = {{roughen(b), bc, ab}};
+        facets[made++] = {{roughen(c), ca, bc}};
+        facets[made++] = {{ab, bc, ca}};
+    }
+}
+
+void drawRoom(Canvas& canvas, float flicker) {
+    Canvas_Fill(canvas, [=](int x, int y) {
+        const float dx = float(x) - Canvas_CentreX, dy = float(y) - 165.0f;
+        const float away = std::sqrt(dx * dx + dy * dy);
+        const float glow = flicker * 90.0f / (60.0f + away) - 0.16f;
+        const float wood = Maths_Noise(float(x) / 90.0f, float(y) / 2.5f);
+        if (y < 300)
+            return Colour_Make(0.04f + 0.55f * glow, 0.05f + 0.20f * glow, 0.11f + 0.12f * glow);
+        const float pool = Maths_Clamp(1.0f - std::fabs(dx) / 250.0f) * flicker;
+        const float light = (0.5f + 0.5f * wood) * (0.12f + 0.5f * pool * pool);
+        return Colour_Make(light * 1.25f, light * 0.62f, light * 0.38f);
+    });
+}
+
+void drawFacet(Canvas& canvas, int number, Vector turns, float flicker) {
+    Vector placed[3];
+    Point corners[3];
+    for (int corner = 0; corner < 3; ++corner) {
+        placed[corner] = Space_Rotate(facets[number].corners[corner], turns);
+        corners[corner] = Space_Project(placed[corner] + Vector{0.0f, -0.22f, 4.6f}, lens);
+    }
+    const Vector normal = Space_FaceNormal(placed[0], placed[1], placed[2]);
+    const bool isFront = normal.z * Space_Dot(normal, placed[0]) < 0.0f;
+    const float edgeOn = 1.0f - std::fabs(normal.z);
+    const float light = (isFront ? 0.20f : 0.28f) + 0.26f * edgeOn * edgeOn;
+    const Colour tint = salt[number % 5];
+    Canvas_PaintPolygon(corners, 3, [&](int x, int y, float share) {
+        const float dx = float(x) - 256.0f, dy = float(y) - 180.0f;
+        const float lamp = 0.55f + 0.75f * Maths_Clamp(1.0f - (dx * dx + dy * dy) / 17000.0f);
+        const float grain = 0.85f + 0.3f * Maths_Hash(x / 2 + number * 7, y / 2);
+        Canvas_Add(canvas, x, y, Colour_Scale(tint, share * light * lamp * flicker * grain));
+    });
+    if (isFront)
+        for (int corner = 0; corner < 3; ++corner)
+            Canvas_Line(canvas, corners[corner], corners[(corner + 1) % 3], 1.0f, 0xFFC8A0);
+}
+
+void drawFoot(Canvas& canvas) {
+    constexpr Point foot[] = {{172, 296}, {340, 296}, {352, 312},
+                              {346, 322}, {166, 322}, {160, 312}};
+    Canvas_PaintPolygon(foot, 6, [&](int x, int y, float share) {
+        const float shine = Maths_Clamp(1.0f - std::fabs(float(x) - 256.0f) / 120.0f);
+        const float light = 0.10f + 0.5f * shine * Maths_Smooth(322.0f, 296.0f, float(y));
+        Canvas_Blend(canvas, x, y, Colour_Make(light * 1.2f, light * 0.6f, light * 0.3f), share);
+    });
+}
+
+void drawName(Canvas& canvas, float flicker) {
+    const int left = Letters_Centred(name), top = 322;
+    Letters_Shine(canvas, nameShine, left - 16, top - 16, Colour_Scale(0xD05020, flicker));
+    Letters_Paint(canvas, name, left, top, [](int x, int y) {
+        const float grain = Maths_Hash(x / 2, y / 2);
+        return Colour_Mix(0xFFFAF4, 0xFFC0A0, 0.7f * grain * float(y) / 50.0f);
+    });
+}
+
+} // namespace
+
+void Intro_Draw(Canvas& canvas, float seconds) {
+    if (facets[0].corners[0].y == 0.0f)
+        cutFacets();
+    const float flicker = 0.86f + 0.14f * Maths_Noise(2.2f * seconds, 0.0f);
+    const Vector turns = {0.015f * Maths_Sin(0.08f * seconds), 0.055f * seconds, 0.02f};
+    drawRoom(canvas, flicker);
+    for (int number = 0; number < faceCount; ++number)
+        drawFacet(canvas, number, turns, flicker);
+    Canvas_Glow(canvas, {256.0f, 180.0f}, 90.0f, Colour_Scale(0xFFB060, 0.6f * flicker));
+    drawFoot(canvas);
+    drawName(canvas, flicker);
+}

@@ -1,0 +1,114 @@
+// Down a shaft through amber: bubbles and old leaves pass by, and honey light lies at its end.
+
+#include "letters.h"
+#include "stage.h"
+
+const char Intro_Title[] = "Ostrik Intro 10 Amber";
+
+namespace {
+
+constexpr int resinSize = 256;
+constexpr Colour honey[] = {0x1C0802, 0x4C1804, 0x943C06, 0xD87810, 0xFFB830, 0xFFE88C};
+
+const Lettering name = Letters_Make("AMBER", Face::Serif, 118, Slant::Upright, 1.08f);
+const Lettering nameShadow = Letters_Soften(name, 14);
+
+float resin[resinSize][resinSize]; // how light the wall is; it goes on without a seam
+float depths[2 * Canvas_Height][2 * Canvas_Width], turns[2 * Canvas_Height][2 * Canvas_Width];
+
+// Clouds that meet themselves at the border: two of them, one faded into the other.
+float seamless(float x, float y) {
+    const float size = float(resinSize), share = Maths_Smooth(0.6f, 1.0f, x / size);
+    const float shareY = Maths_Smooth(0.6f, 1.0f, y / size);
+    const auto cloud = [](float u, float v) { return Maths_Clouds(u / 40.0f, v / 40.0f, 5); };
+    return Maths_Mix(Maths_Mix(cloud(x, y), cloud(x - size, y), share),
+                     Maths_Mix(cloud(x, y - size), cloud(x - size, y - size), share), shareY);
+}
+
+// A bubble lights up at one side, a grain of bark is dark.
+void enclose(int number) {
+    const int centreX = int(256.0f * Maths_Hash(number, 1)),
+              centreY = int(256.0f * Maths_Hash(number, 2));
+    const int reach = 3 + int(11.0f * Maths_Hash(number, 3) * Maths_Hash(number, 4));
+    for (int dy = -reach; dy <= reach; ++dy)
+        for (int dx = -reach; dx <= reach; ++dx) {
+            const float away = std::sqrt(float(dx * dx + dy * dy)) / float(reach);
+            float& place = resin[(centreY + dy) & 255][(centreX + dx) & 255];
+            if (number % 3 == 0)
+                place -= 0.45f * Maths_Smooth(1.0f, 0.5f, away + 0.3f * Maths_Hash(dx, dy));
+            else if (away < 1.0f)
+                place += 0.5f * away * away * away - 0.22f * float(dx + dy) / float(reach) * away;
+        }
+}
+
+void makeResin() {
+    for (int y = 0; y < resinSize; ++y)
+        for (int x = 0; x < resinSize; ++x) {
+            const float cloud = seamless(float(x), float(y));
+            const float vein = Maths_Smooth(0.05f, 0.0f, std::fabs(cloud - 0.5f));
+            resin[y][x] = 0.15f + 0.75f * cloud + 0.20f * vein;
+        }
+    for (int number = 0; number < 90; ++number)
+        enclose(number);
+}
+
+// Larger than the canvas, so that the end of the shaft can wander.
+void makeTables() {
+    for (int y = 0; y < 2 * Canvas_Height; ++y)
+        for (int x = 0; x < 2 * Canvas_Width; ++x) {
+            const float dx = float(x - Canvas_Width) + 0.5f, dy = float(y - Canvas_Height) + 0.5f;
+            const float turn = std::atan2(dy, dx) / Maths_Turn;
+            const float ripple =
+                1.0f + 0.06f * Maths_Sin(3.0f * turn) + 0.03f * Maths_Sin(7.0f * turn);
+            depths[y][x] = 9000.0f / (std::sqrt(dx * dx + dy * dy) * ripple + 6.0f);
+            turns[y][x] = turn * 2.0f * float(resinSize);
+        }
+}
+
+// Between the four nearest points of the wall.
+float readResin(float around, float along) {
+    const float left = Maths_Floor(around), top = Maths_Floor(along);
+    const int column = int(left), row = int(top), next = row + 1;
+    const float right = around - left;
+    return Maths_Mix(
+        Maths_Mix(resin[row & 255][column & 255], resin[row & 255][(column + 1) & 255], right),
+        Maths_Mix(resin[next & 255][column & 255], resin[next & 255][(column + 1) & 255], right),
+        along - top);
+}
+
+Colour shadeShaft(float depth, float turn, float seconds) {
+    const float along = depth + 75.0f * seconds;
+    const float around = turn + 26.0f * Maths_Sin(0.05f * seconds + depth / 1400.0f);
+    const float ring = 0.10f * Maths_Sin(along / 128.0f);
+    const float ahead = Maths_Smooth(120.0f, 900.0f, depth);
+    const float light =
+        (readResin(around, along) + ring) * Maths_Clamp(0.55f + depth / 260.0f) + 0.9f * ahead;
+    return Colour_Ramp(honey, light);
+}
+
+void drawName(Canvas& canvas, float seconds) {
+    const int left = Letters_Centred(name), top = 132;
+    for (int twice = 0; twice < 2; ++twice)
+        Letters_Colour(canvas, nameShadow, left - 11, top - 9, 0x200800);
+    Letters_Colour(canvas, name, left - 2, top - 2, 0xFFF4C0);
+    Letters_Paint(canvas, name, left, top, [=](int x, int y) {
+        const float inner = resin[(y * 2 + int(9.0f * seconds)) & 255][(x * 2) & 255];
+        const float gloss = 0.35f * Maths_Smooth(58.0f, 26.0f, float(y));
+        return Colour_Ramp(honey, 0.32f + 0.55f * inner + gloss);
+    });
+}
+
+} // namespace
+
+void Intro_Draw(Canvas& canvas, float seconds) {
+    if (depths[0][0] == 0.0f) {
+        makeResin();
+        makeTables();
+    }
+    const int shiftX = 256 + int(110.0f * Maths_Sin(0.071f * seconds));
+    const int shiftY = 192 + int(80.0f * Maths_Sin(0.097f * seconds));
+    Canvas_Fill(canvas, [=](int x, int y) {
+        return shadeShaft(depths[y + shiftY][x + shiftX], turns[y + shiftY][x + shiftX], seconds);
+    });
+    drawName(canvas, seconds);
+}
