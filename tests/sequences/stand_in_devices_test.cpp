@@ -1,6 +1,7 @@
 #include "tests/support/stand_in_devices.h"
 
 #include "tests/support/child_run.h"
+#include "tests/support/launcher_stage.h"
 #include "tests/support/run_to_exit.h"
 #include "tests/support/wait_until.h"
 
@@ -452,6 +453,39 @@ TEST_F(StandInSound, ServesASecondThreadAndKeepsItsCallsApart) {
     EXPECT_EQ(calls.takeOtherThreads().back(),
               "IDirectSoundBuffer::GetCurrentPosition(buffer1, &999, null) -> 0");
     EXPECT_EQ(calls.take().size(), 1u);
+}
+
+TEST(WatchedInterface, HasItsMethodsBackAfterwards) {
+    void* const hook = reinterpret_cast<void*>(hook::IDirectDraw7_Release::call);
+    void** table = nullptr;
+    for (int pass = 0; pass < 2; ++pass) {
+        CallRecorder calls;
+        StandInDevices devices(calls);
+        IDirectDraw7* ddraw = makeDDraw();
+        table = *reinterpret_cast<void***>(ddraw);
+        EXPECT_EQ(table[2], hook);
+        EXPECT_EQ(ddraw->Release(), 0u);
+        EXPECT_EQ(calls.uses("IDirectDraw7::Release"), 1);
+    }
+    EXPECT_NE(table[2], hook);
+}
+
+TEST(WholeLauncher, RunsOnStandInsAndShowsItsMenu) {
+    onStage([](LauncherStage& stage) {
+        int redPixels = 0;
+        stage.devices.input.rest(2);
+        stage.devices.input.onScriptEnd = [&] {
+            redPixels = stage.devices.ddraw.shownCount({100, 145, 500, 175}, RGB(255, 0, 0));
+            stage.devices.input.press(DIK_ESCAPE);
+        };
+        const ProgramEnd end = stage.run();
+        EXPECT_TRUE(end.calledExitProcess);
+        EXPECT_EQ(end.exitCode, 0u);
+        EXPECT_TRUE(stage.devices.wereUsed());
+        EXPECT_GT(redPixels, 500) << "the highlight of the first row";
+        EXPECT_EQ(stage.devices.ddraw.surfaceCount(), 0u);
+        EXPECT_FALSE(stage.devices.desktop->isShown());
+    });
 }
 
 TEST(StandInDesktopTest, DeliversOnlyTheMessagesOfTheTest) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -199,8 +200,10 @@ void WatchedCall::runActions(bool isBefore) const {
 }
 
 CallRecorder::CallRecorder() {
-    if (current != 0)
-        ADD_FAILURE() << "only one CallRecorder at a time";
+    if (current != 0) {
+        fprintf(stderr, "There is a CallRecorder already: only one at a time.\n");
+        abort();
+    }
     recording = Recording();
     recording.followedThread = GetCurrentThreadId();
     call_names::clear();

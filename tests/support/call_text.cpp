@@ -241,33 +241,13 @@ std::string show(char* text, Known known) {
 
 std::string show(const void* address, Known known) { return show(Memory{address}, known); }
 
-template <>
-void handedOut(IDirectDraw7* object) {
-    openInterface(object, "IDirectDraw7");
-}
-template <>
-void handedOut(IDirectDrawSurface7* object) {
-    openInterface(object, "IDirectDrawSurface7");
-}
-template <>
-void handedOut(IDirectInput7A* object) {
-    openInterface(object, "IDirectInput7A");
-}
-template <>
-void handedOut(IDirectInputDevice7A* object) {
-    openInterface(object, "IDirectInputDevice7A");
-}
-template <>
-void handedOut(IDirectSound* object) {
-    openInterface(object, "IDirectSound");
-}
-template <>
-void handedOut(IDirectSoundBuffer* object) {
-    openInterface(object, "IDirectSoundBuffer");
-}
-template <>
-void handedOut(HDC dc) {
-    call_names::open(reinterpret_cast<uint64_t>(dc), "dc");
-}
+void handedOut(HDC dc) { call_names::open(reinterpret_cast<uint64_t>(dc), kindOf<HDC>); }
+void handedOut(IDirectDraw7* object) { openInterface(object, "IDirectDraw7"); }
+void handedOut(IDirectDrawSurface7* object) { openInterface(object, "IDirectDrawSurface7"); }
+void handedOut(IDirectDrawPalette* object) { openInterface(object, "IDirectDrawPalette"); }
+void handedOut(IDirectInput7A* object) { openInterface(object, "IDirectInput7A"); }
+void handedOut(IDirectInputDevice7A* object) { openInterface(object, "IDirectInputDevice7A"); }
+void handedOut(IDirectSound* object) { openInterface(object, "IDirectSound"); }
+void handedOut(IDirectSoundBuffer* object) { openInterface(object, "IDirectSoundBuffer"); }
 
 } // namespace call_text

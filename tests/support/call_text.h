@@ -112,9 +112,15 @@ std::string show(const char* value, Known);
 std::string show(char* value, Known known);
 std::string show(const void* value, Known);
 
-// Notes that a call handed out an interface: gives it a name and watches its methods.
-template <typename Interface>
-void handedOut(Interface* object);
+// Notes that a call handed this out: it is live, and the methods of an interface are watched.
+void handedOut(HDC dc);
+void handedOut(IDirectDraw7* object);
+void handedOut(IDirectDrawSurface7* object);
+void handedOut(IDirectDrawPalette* object);
+void handedOut(IDirectInput7A* object);
+void handedOut(IDirectInputDevice7A* object);
+void handedOut(IDirectSound* object);
+void handedOut(IDirectSoundBuffer* object);
 
 template <typename T>
 std::string showPointee(T* at, Known known) {

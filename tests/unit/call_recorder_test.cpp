@@ -4,6 +4,8 @@
 #include "tests/support/import_table.h"
 #include "tests/support/line_difference.h"
 
+#include <gtest/gtest-spi.h>
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -264,6 +266,27 @@ TEST(CallRecorder, RefusesCallsThatCannotComeByAHook) {
     EXPECT_TRUE(isHooked("DirectDrawCreateEx"));
     EXPECT_FALSE(isHooked("NoSuchFunction"));
     EXPECT_FALSE(isHooked("SetStretchBltMode")) << "not imported by this program";
+}
+
+TEST(CallRecorder, FailsATestThatPlansForACallItCannotSee) {
+    EXPECT_NONFATAL_FAILURE(
+        {
+            CallRecorder calls;
+            calls.fail("CreateSolidBrsh", 1, 0);
+        },
+        "CreateSolidBrsh is not watched");
+}
+
+TEST(CallRecorder, PrintsTheDifferenceOfAFailedMatch) {
+    CallRecorder calls;
+    DeleteObject(CreateSolidBrush(1));
+    const testing::AssertionResult result = calls.match("CreateSolidBrush(2) -> brush1");
+    EXPECT_FALSE(result);
+    EXPECT_STREQ(result.message(), "calls differ at recorded line 1 of 2, expected line 1 of 1:\n"
+                                   "  expected: CreateSolidBrush(2) -> brush1\n"
+                                   "  recorded: CreateSolidBrush(1) -> brush1\n"
+                                   "    DeleteObject(brush1) -> 1\n");
+    EXPECT_TRUE(calls.match("")) << "a look forgets what it saw";
 }
 
 TEST(CallRecorder, WatchesFunctionsThatAreFetchedByName) {
