@@ -43,26 +43,7 @@ def walk(menu, names, seconds=0.0):
         yield show(menu, row, names[row], seconds)
 
 
-def contact_sheet(shots):
-    """One picture of all the later pictures, with the files' names under them."""
-    width, height = THUMBNAIL
-    lines = -(-len(shots) // COLUMNS)
-    sheet = Image.new("RGB", (COLUMNS * width, lines * (height + CAPTION_HEIGHT)))
-    pen = ImageDraw.Draw(sheet)
-    for number, shot in enumerate(shots):
-        left = number % COLUMNS * width
-        top = number // COLUMNS * (height + CAPTION_HEIGHT)
-        sheet.paste(_thumbnail(shot), (left, top))
-        pen.text((left + 4, top + height + 2), shot.name.removesuffix(".exe"), fill="white")
-    return sheet
-
-
-def _count(pixels):
-    """How many pixels are not black, or not the same."""
-    return int(pixels.any(axis=2).sum())
-
-
-def _thumbnail(shot):
+def thumbnail(shot):
     """The intro without the black around it, on a ground of the thumbnail's size."""
     lit = shot.later.any(axis=2) | shot.first.any(axis=2)
     lit[-4:, -4:] = False  # the mouse pointer
@@ -74,3 +55,22 @@ def _thumbnail(shot):
     ground.paste(picture, ((THUMBNAIL[0] - picture.width) // 2,
                            (THUMBNAIL[1] - picture.height) // 2))
     return ground
+
+
+def contact_sheet(shots):
+    """One picture of all the later pictures, with the files' names under them."""
+    width, height = THUMBNAIL
+    lines = -(-len(shots) // COLUMNS)
+    sheet = Image.new("RGB", (COLUMNS * width, lines * (height + CAPTION_HEIGHT)))
+    pen = ImageDraw.Draw(sheet)
+    for number, shot in enumerate(shots):
+        left = number % COLUMNS * width
+        top = number // COLUMNS * (height + CAPTION_HEIGHT)
+        sheet.paste(thumbnail(shot), (left, top))
+        pen.text((left + 4, top + height + 2), shot.name.removesuffix(".exe"), fill="white")
+    return sheet
+
+
+def _count(pixels):
+    """How many pixels are not black, or not the same."""
+    return int(pixels.any(axis=2).sum())

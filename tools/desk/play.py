@@ -26,6 +26,6 @@ def main(build):
 
 if __name__ == "__main__":
     try:
-        sys.exit(main(Path(sys.argv[1])))
+        sys.exit(main(Path(sys.argv[1]).resolve()))
     except DeskError as error:
         sys.exit(f"run: {error}")

@@ -14,7 +14,7 @@ from .sound import RATE
 from .waiting import DeskError
 
 MUSIC_SECONDS = 10
-SHOW_SECONDS = 1.5
+SHOW_SECONDS = 2.5
 SHOWN_INTRO = 4
 
 
@@ -95,7 +95,7 @@ class Tour:
 def main(build):
     out = build / "tour"
     out.mkdir(parents=True, exist_ok=True)
-    print("Touring the menu on a headless desk; this takes about two minutes, and some seconds\n"
+    print("Touring the menu on a headless desk; this takes two to three minutes, some seconds\n"
           "more the first time, when Wine sets itself up.", flush=True)
     with Desk(build / "desk" / "logs" / "tour", build / "desk" / "template") as desk:
         Tour(desk, build, out).walk()
@@ -104,6 +104,6 @@ def main(build):
 
 if __name__ == "__main__":
     try:
-        main(Path(sys.argv[1]))
+        main(Path(sys.argv[1]).resolve())
     except DeskError as error:
         sys.exit(f"run: the tour stopped: {error}")
