@@ -6,7 +6,8 @@ from PIL import Image
 
 from catalogue import ROWS
 from desk.menu import LIST_TOP, highlight, row_place
-from helpers import ROOT, as_565, catalogue_page
+from helpers import ROOT
+from yardstick import as_565, catalogue_page
 
 CYAN_565 = 0x07FF
 CELL_HEIGHT = 21           # of 14 points of Liberation Sans, which has the measures of Arial

@@ -3,7 +3,8 @@
 import pytest
 
 from desk.menu import INFO_ROW
-from helpers import as_565, info_page, launch_and_leave
+from helpers import launch_and_leave
+from yardstick import as_565, info_page
 
 ONE_INTRO = ["000-Velmora2009.exe"]
 

@@ -5,7 +5,8 @@ import time
 import pytest
 
 from desk.menu import ROWS, ROWS_A_COLUMN, WINDOW_CLASS, highlight, highlighted_row
-from helpers import Windows, as_565, catalogue_page, reports
+from helpers import Windows, reports
+from yardstick import as_565, catalogue_page
 
 OTHER_KEYS = ["Tab", "space", "a", "F1", "Home", "End", "Page_Down", "Delete", "Shift_L", "1"]
 

@@ -5,8 +5,8 @@ import pytest
 
 from desk import wait_until
 from desk.sound import RATE
-from helpers import launch, render_song
-from listening import find_place, likeness, sounding
+from helpers import launch
+from listening import find_place, likeness, render_song, sounding
 
 HALF = 25600           # frames in half of the player's buffer
 SONG_PIECES = 130      # halves rendered for comparison: 75 s

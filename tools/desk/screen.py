@@ -46,10 +46,6 @@ class Screen:
         window = wait_until(self._top_window, "a window that can take the keys")
         self._xdotool("windowfocus", "--sync", window)
 
-    def windows(self, title):
-        """The numbers of the visible windows whose title holds `title`."""
-        return self._search(title)
-
     def _start_server(self, folder):
         first = os.getpid() % NUMBERS
         for step in range(NUMBERS):
@@ -87,13 +83,9 @@ class Screen:
         self._xdotool("mousemove", str(self.size[0]), str(self.size[1]))
 
     def _top_window(self):
-        found = self._search(".")
-        return found[-1] if found else None
-
-    def _search(self, title):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "."],
                                capture_output=True, text=True, env=self._environment)
-        return found.stdout.split()
+        return found.stdout.split()[-1] if found.stdout else None
 
     def _xdotool(self, *words):
         done = subprocess.run(["xdotool", *words], capture_output=True, text=True,
