@@ -1,0 +1,68 @@
+// A screen on the stand-in devices, as at the program's start; the test sets it up and opens it.
+// What the test leaves open is ended after it, so that many tests can run in one process.
+#pragma once
+
+#include "display/direct_draw.h"
+#include "display/frame.h"
+#include "display/screen.h"
+#include "display/surfaces.h"
+#include "display/window.h"
+#include "input/keyboard.h"
+#include "input/mouse.h"
+#include "tests/support/runtime_fixture.h"
+#include "tests/support/stand_in_devices.h"
+
+class ScreenTest : public RuntimeTest {
+protected:
+    ScreenTest() {
+        Screen = {};
+        ScreenLockDesc = {};
+        ScreenCopyDesc = {};
+        Keyboard = {};
+        Mouse = {};
+        ProgramInstance = reinterpret_cast<HMODULE>(0x400000);
+        calls.name(ProgramInstance, "program");
+        calls.name(GeneralHeap, "general");
+        calls.name(&Screen.primaryDesc, "primaryDesc");
+        calls.name(&ScreenLockDesc, "lockDesc");
+        calls.name(&ScreenCopyDesc, "copyDesc");
+    }
+
+    ~ScreenTest() override {
+        calls.failNothing();
+        Screen.onFocusLost = nullptr;
+        if (Mouse.started)
+            Mouse_SubsystemEnd();
+        if (Keyboard.started)
+            Keyboard_SubsystemEnd();
+        if (Screen.initDone)
+            Screen_SubsystemEnd2();
+    }
+
+    static constexpr int16_t width = 96;
+    static constexpr int16_t height = 64;
+
+    // The steps of set-up up to an open screen. Their calls are forgotten.
+    void setUp() {
+        ASSERT_NE(Screen_SubsystemInit(), nullptr);
+        calls.name(Screen.hiddenWindow, "window");
+        calls.take();
+    }
+    void open(int16_t depth = 16) {
+        if (!Screen.initDone)
+            setUp();
+        ASSERT_EQ(Screen_Open(width, height, depth, "Title"), 1);
+        calls.name(Screen.primary, "primary");
+        calls.name(Screen.backBuffer, "back");
+        calls.take();
+    }
+
+    CallRecorder calls;
+    StandInDevices devices{calls};
+};
+
+// A test whose screen is open from its start.
+class OpenScreenTest : public ScreenTest {
+protected:
+    OpenScreenTest() { open(); }
+};
