@@ -223,6 +223,34 @@ TEST_F(StandInDisplay, TellsItsPixelFormat) {
     EXPECT_EQ(primary->Unlock(nullptr), DDERR_NOTLOCKED);
 }
 
+TEST_F(StandIns, HaveAPaletteAtEightBits) {
+    IDirectDraw7* ddraw = makeDDraw();
+    ddraw->SetCooperativeLevel(anyWindow(), DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
+    ddraw->SetDisplayMode(320, 200, 8, 0, 0);
+    DDSURFACEDESC2 wanted{};
+    wanted.dwSize = sizeof wanted;
+    wanted.dwFlags = DDSD_CAPS | DDSD_BACKBUFFERCOUNT;
+    wanted.dwBackBufferCount = 1;
+    wanted.ddsCaps.dwCaps = DDSCAPS_PRIMARYSURFACE | DDSCAPS_FLIP | DDSCAPS_COMPLEX;
+    IDirectDrawSurface7* primary = nullptr;
+    ASSERT_EQ(ddraw->CreateSurface(&wanted, &primary, nullptr), DD_OK);
+    calls.take();
+    IDirectDrawPalette* palette = nullptr;
+    primary->GetPalette(&palette);
+    primary->SetPalette(palette);
+    palette->Release();
+    EXPECT_TRUE(calls.match(R"(
+        IDirectDrawSurface7::GetPalette(surface1, &colors1) -> 0
+        IDirectDrawSurface7::SetPalette(surface1, colors1) -> 0
+        IDirectDrawPalette::Release(colors1) -> 1
+    )"));
+}
+
+TEST_F(StandInDisplay, HasNoPaletteAtSixteenBits) {
+    IDirectDrawPalette* palette = nullptr;
+    EXPECT_EQ(primary->GetPalette(&palette), DDERR_NOPALETTEATTACHED);
+}
+
 TEST_F(StandInDisplay, GivesTheDesktopItsModeBack) {
     EXPECT_EQ(devices.ddraw.mode().width, 320u);
     ddraw->SetCooperativeLevel(nullptr, DDSCL_NORMAL);

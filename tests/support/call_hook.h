@@ -128,6 +128,14 @@ R watched(R (*real)(Args...), Args... args) {
     }
 }
 
+// The bare types: some compilers keep noreturn and noexcept in them.
+template <typename R, typename... Args>
+using Function = R (*)(Args...);
+template <typename R, typename... Args>
+Function<R, Args...> bare(R (*)(Args...));
+template <typename Interface, typename R, typename... Args>
+auto bare(R (Interface::*)(Args...)) -> R (Interface::*)(Args...);
+
 template <typename Hook, typename Function>
 struct FunctionHook;
 
@@ -174,7 +182,7 @@ namespace hook {
 using namespace hook_detail;
 
 #define FUNCTION(library, function, role, closing)                                                 \
-    struct function : FunctionHook<function, decltype(&::function)> {                              \
+    struct function : FunctionHook<function, decltype(bare(&::function))> {                        \
         static constexpr const char* name = #function;                                             \
         static inline CallSite site{#function, #library, role, closing};                           \
     };
@@ -185,7 +193,7 @@ using namespace hook_detail;
 
 #define METHOD(interface_, method_, closing)                                                       \
     struct interface_##_##method_                                                                  \
-        : MethodHook<interface_##_##method_, decltype(&::interface_::method_)> {                   \
+        : MethodHook<interface_##_##method_, decltype(bare(&::interface_::method_))> {             \
         static constexpr const char* name = #interface_ "::" #method_;                             \
         static inline CallSite site{#interface_ "::" #method_, #interface_, plain, closing};       \
         static auto method() { return &::interface_::method_; }                                    \

@@ -23,9 +23,9 @@ public:
         VirtualProtect(at, size, PAGE_NOACCESS, &before);
     }
 
-    STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++referenceCount; }
-    STDMETHODIMP_(ULONG) Release() override {
+    STDMETHODIMP QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++referenceCount; }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
         const ULONG left = --referenceCount;
         if (left == 0)
             static_cast<Object*>(this)->onLastRelease();

@@ -15,7 +15,7 @@ class StandInDirectDraw7 final : public ComObject<StandInDirectDraw7, UnusedDire
 public:
     explicit StandInDirectDraw7(StandInDDraw& display_) : display(display_) {}
 
-    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD level) override {
+    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD level) noexcept override {
         if (isExclusiveLevel(level) && (!window || !(level & DDSCL_FULLSCREEN)))
             return DDERR_INVALIDPARAMS;
         display.cooperativeLevel = level;
@@ -26,7 +26,7 @@ public:
     }
 
     STDMETHODIMP SetDisplayMode(DWORD width, DWORD height, DWORD depth, DWORD refreshRate,
-                                DWORD) override {
+                                DWORD) noexcept override {
         if (!display.isExclusive())
             return DDERR_NOEXCLUSIVEMODE;
         display.currentMode = {width, height, depth, refreshRate};
@@ -34,7 +34,7 @@ public:
     }
 
     STDMETHODIMP CreateSurface(LPDDSURFACEDESC2 wanted, LPDIRECTDRAWSURFACE7* surface,
-                               IUnknown* outer) override {
+                               IUnknown* outer) noexcept override {
         const HRESULT result = refusal(*wanted);
         if (outer || result != DD_OK)
             return outer ? CLASS_E_NOAGGREGATION : result;
@@ -42,19 +42,19 @@ public:
         return DD_OK;
     }
 
-    STDMETHODIMP GetMonitorFrequency(LPDWORD frequency) override {
+    STDMETHODIMP GetMonitorFrequency(LPDWORD frequency) noexcept override {
         *frequency = display.monitorFrequency;
         return DD_OK;
     }
 
-    STDMETHODIMP GetScanLine(LPDWORD line) override {
+    STDMETHODIMP GetScanLine(LPDWORD line) noexcept override {
         *line = display.scanLines.front();
         if (display.scanLines.size() > 1)
             display.scanLines.erase(display.scanLines.begin());
         return DD_OK;
     }
 
-    STDMETHODIMP RestoreAllSurfaces() override {
+    STDMETHODIMP RestoreAllSurfaces() noexcept override {
         if (display.isAway)
             return DDERR_WRONGMODE;
         const QuietScope quiet;

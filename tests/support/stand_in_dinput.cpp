@@ -10,7 +10,6 @@ namespace {
 
 StandInDInput* living = nullptr;
 
-constexpr DWORD keyCount = 256;
 constexpr uint8_t keyIsDown = 0x80;
 
 } // namespace
@@ -23,7 +22,7 @@ public:
     }
     ~StandInInputDevice() { std::erase(input.devices, this); }
 
-    STDMETHODIMP SetDataFormat(LPCDIDATAFORMAT format) override {
+    STDMETHODIMP SetDataFormat(LPCDIDATAFORMAT format) noexcept override {
         if (!format || format->dwSize != sizeof *format)
             return DIERR_INVALIDPARAM;
         if (isAcquired)
@@ -32,7 +31,7 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD) override {
+    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD) noexcept override {
         if (!window)
             return E_HANDLE;
         if (isAcquired)
@@ -40,7 +39,7 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP SetProperty(REFGUID property, LPCDIPROPHEADER header) override {
+    STDMETHODIMP SetProperty(REFGUID property, LPCDIPROPHEADER header) noexcept override {
         if (isAcquired)
             return DIERR_ACQUIRED;
         if (&property != &DIPROP_BUFFERSIZE)
@@ -49,14 +48,14 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP GetProperty(REFGUID property, LPDIPROPHEADER header) override {
+    STDMETHODIMP GetProperty(REFGUID property, LPDIPROPHEADER header) noexcept override {
         if (&property != &DIPROP_GRANULARITY || input.granularity == 0)
             return DIERR_UNSUPPORTED;
         reinterpret_cast<DIPROPDWORD*>(header)->dwData = input.granularity;
         return DI_OK;
     }
 
-    STDMETHODIMP Acquire() override {
+    STDMETHODIMP Acquire() noexcept override {
         if (dataSize == 0)
             return DIERR_INVALIDPARAM;
         if (!input.isForeground)
@@ -68,7 +67,7 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP Unacquire() override {
+    STDMETHODIMP Unacquire() noexcept override {
         isLost = false;
         if (!isAcquired)
             return DI_NOEFFECT;
@@ -76,7 +75,7 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP GetDeviceState(DWORD size, LPVOID state) override {
+    STDMETHODIMP GetDeviceState(DWORD size, LPVOID state) noexcept override {
         const HRESULT result = readable();
         if (result != DI_OK)
             return result;
@@ -88,7 +87,8 @@ public:
         return DI_OK;
     }
 
-    STDMETHODIMP GetDeviceData(DWORD, LPDIDEVICEOBJECTDATA data, LPDWORD count, DWORD) override {
+    STDMETHODIMP GetDeviceData(DWORD, LPDIDEVICEOBJECTDATA data, LPDWORD count,
+                               DWORD) noexcept override {
         const HRESULT result = readable();
         if (result != DI_OK)
             return result;
@@ -105,9 +105,13 @@ public:
 private:
     // The first read after a loss tells of it; the later ones only that the device is not ours.
     HRESULT readable() {
-        const HRESULT refusal = isLost ? DIERR_INPUTLOST : DIERR_NOTACQUIRED;
+        const bool wasLost = isLost;
         isLost = false;
-        return isAcquired ? DI_OK : refusal;
+        if (wasLost)
+            return DIERR_INPUTLOST;
+        if (!isAcquired)
+            return DIERR_NOTACQUIRED;
+        return DI_OK;
     }
 
     StandInDInput::Keys nextSnapshot() {
@@ -163,7 +167,7 @@ public:
     explicit StandInDirectInput7(StandInDInput& input_) : input(input_) {}
 
     STDMETHODIMP CreateDeviceEx(REFGUID device, REFIID interfaceId, LPVOID* made,
-                                LPUNKNOWN outer) override {
+                                LPUNKNOWN outer) noexcept override {
         const bool isKeyboard = IsEqualGUID(device, GUID_SysKeyboard);
         if (outer || !IsEqualGUID(interfaceId, IID_IDirectInputDevice7A))
             return DIERR_NOINTERFACE;

@@ -23,7 +23,7 @@ public:
     ~StandInSoundBuffer() { std::erase(sound.buffers, this); }
 
     STDMETHODIMP Lock(DWORD offset, DWORD size, LPVOID* region, LPDWORD regionSize, LPVOID* second,
-                      LPDWORD secondSize, DWORD) override {
+                      LPDWORD secondSize, DWORD) noexcept override {
         if (offset >= bytes.size() || size > bytes.size())
             return DSERR_INVALIDPARAM;
         const DWORD toEnd = static_cast<DWORD>(bytes.size()) - offset;
@@ -36,12 +36,12 @@ public:
         return DS_OK;
     }
 
-    STDMETHODIMP Unlock(LPVOID, DWORD, LPVOID, DWORD) override {
+    STDMETHODIMP Unlock(LPVOID, DWORD, LPVOID, DWORD) noexcept override {
         ++unlocks;
         return DS_OK;
     }
 
-    STDMETHODIMP GetCurrentPosition(LPDWORD play, LPDWORD write) override {
+    STDMETHODIMP GetCurrentPosition(LPDWORD play, LPDWORD write) noexcept override {
         if (play)
             *play = cursor;
         if (write)
@@ -49,20 +49,20 @@ public:
         return DS_OK;
     }
 
-    STDMETHODIMP SetCurrentPosition(DWORD position) override {
+    STDMETHODIMP SetCurrentPosition(DWORD position) noexcept override {
         if (position >= bytes.size())
             return DSERR_INVALIDPARAM;
         cursor = position;
         return DS_OK;
     }
 
-    STDMETHODIMP Play(DWORD, DWORD, DWORD flags) override {
+    STDMETHODIMP Play(DWORD, DWORD, DWORD flags) noexcept override {
         isLooping = (flags & DSBPLAY_LOOPING) != 0;
         isPlaying = true;
         return DS_OK;
     }
 
-    STDMETHODIMP Stop() override {
+    STDMETHODIMP Stop() noexcept override {
         isPlaying = false;
         return DS_OK;
     }
@@ -82,7 +82,7 @@ class StandInDirectSound final : public ComObject<StandInDirectSound, UnusedDire
 public:
     explicit StandInDirectSound(StandInDSound& sound_) : sound(sound_) {}
 
-    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD level) override {
+    STDMETHODIMP SetCooperativeLevel(HWND window, DWORD level) noexcept override {
         if (!window)
             return DSERR_INVALIDPARAM;
         sound.level = level;
@@ -90,7 +90,7 @@ public:
     }
 
     STDMETHODIMP CreateSoundBuffer(LPCDSBUFFERDESC wanted, LPDIRECTSOUNDBUFFER* buffer,
-                                   IUnknown* outer) override {
+                                   IUnknown* outer) noexcept override {
         if (outer)
             return DSERR_NOAGGREGATION;
         if (sound.level == 0)

@@ -134,7 +134,7 @@ HRESULT StandInSurface::unusable() const {
 }
 
 HRESULT StandInSurface::Blt(LPRECT to, LPDIRECTDRAWSURFACE7 from, LPRECT part, DWORD flags,
-                            LPDDBLTFX effects) {
+                            LPDDBLTFX effects) noexcept {
     const QuietScope quiet;
     auto* source = static_cast<StandInSurface*>(from);
     if (to || part)
@@ -153,7 +153,7 @@ HRESULT StandInSurface::Blt(LPRECT to, LPDIRECTDRAWSURFACE7 from, LPRECT part, D
     return DD_OK;
 }
 
-HRESULT StandInSurface::Flip(LPDIRECTDRAWSURFACE7, DWORD) {
+HRESULT StandInSurface::Flip(LPDIRECTDRAWSURFACE7, DWORD) noexcept {
     if (!back)
         return DDERR_NOTFLIPPABLE;
     if (lost || back->lost)
@@ -165,7 +165,8 @@ HRESULT StandInSurface::Flip(LPDIRECTDRAWSURFACE7, DWORD) {
     return DD_OK;
 }
 
-HRESULT StandInSurface::GetAttachedSurface(LPDDSCAPS2 wanted, LPDIRECTDRAWSURFACE7* attached) {
+HRESULT StandInSurface::GetAttachedSurface(LPDDSCAPS2 wanted,
+                                           LPDIRECTDRAWSURFACE7* attached) noexcept {
     if (!back || !(wanted->dwCaps & DDSCAPS_BACKBUFFER))
         return DDERR_NOTFOUND;
     const QuietScope quiet;
@@ -175,7 +176,7 @@ HRESULT StandInSurface::GetAttachedSurface(LPDDSCAPS2 wanted, LPDIRECTDRAWSURFAC
 }
 
 // Each time with the attributes of a new context, whatever was selected the last time.
-HRESULT StandInSurface::GetDC(HDC* dc) {
+HRESULT StandInSurface::GetDC(HDC* dc) noexcept {
     const HRESULT result = unusable();
     if (result != DD_OK)
         return result;
@@ -185,7 +186,7 @@ HRESULT StandInSurface::GetDC(HDC* dc) {
     return DD_OK;
 }
 
-HRESULT StandInSurface::ReleaseDC(HDC dc) {
+HRESULT StandInSurface::ReleaseDC(HDC dc) noexcept {
     if (!isDcOpen || dc != pixels.dc)
         return DDERR_INVALIDPARAMS;
     RestoreDC(pixels.dc, -1);
@@ -211,7 +212,7 @@ void StandInSurface::describe(DDSURFACEDESC2& description) const {
     format.dwBBitMask = pixels.masks.blue;
 }
 
-HRESULT StandInSurface::Lock(LPRECT, LPDDSURFACEDESC2 description, DWORD, HANDLE) {
+HRESULT StandInSurface::Lock(LPRECT, LPDDSURFACEDESC2 description, DWORD, HANDLE) noexcept {
     if (description->dwSize != sizeof *description)
         return DDERR_INVALIDPARAMS;
     const HRESULT result = unusable();
@@ -222,16 +223,16 @@ HRESULT StandInSurface::Lock(LPRECT, LPDDSURFACEDESC2 description, DWORD, HANDLE
     return DD_OK;
 }
 
-HRESULT StandInSurface::Unlock(LPRECT) {
+HRESULT StandInSurface::Unlock(LPRECT) noexcept {
     if (!isLocked)
         return DDERR_NOTLOCKED;
     isLocked = false;
     return DD_OK;
 }
 
-HRESULT StandInSurface::IsLost() { return lost ? DDERR_SURFACELOST : DD_OK; }
+HRESULT StandInSurface::IsLost() noexcept { return lost ? DDERR_SURFACELOST : DD_OK; }
 
-HRESULT StandInSurface::Restore() {
+HRESULT StandInSurface::Restore() noexcept {
     const QuietScope quiet;
     if (owner.isAway)
         return DDERR_WRONGMODE;
@@ -243,7 +244,7 @@ HRESULT StandInSurface::Restore() {
     return DD_OK;
 }
 
-HRESULT StandInSurface::GetPalette(LPDIRECTDRAWPALETTE* given) {
+HRESULT StandInSurface::GetPalette(LPDIRECTDRAWPALETTE* given) noexcept {
     if (!palette)
         return DDERR_NOPALETTEATTACHED;
     const QuietScope quiet;
@@ -252,7 +253,7 @@ HRESULT StandInSurface::GetPalette(LPDIRECTDRAWPALETTE* given) {
     return DD_OK;
 }
 
-HRESULT StandInSurface::SetPalette(LPDIRECTDRAWPALETTE wanted) {
+HRESULT StandInSurface::SetPalette(LPDIRECTDRAWPALETTE wanted) noexcept {
     const QuietScope quiet;
     if (wanted)
         wanted->AddRef();

@@ -39,18 +39,19 @@ public:
     ~StandInSurface();
 
     STDMETHODIMP Blt(LPRECT to, LPDIRECTDRAWSURFACE7 from, LPRECT part, DWORD flags,
-                     LPDDBLTFX effects) override;
-    STDMETHODIMP Flip(LPDIRECTDRAWSURFACE7 target, DWORD flags) override;
-    STDMETHODIMP GetAttachedSurface(LPDDSCAPS2 caps, LPDIRECTDRAWSURFACE7* attached) override;
-    STDMETHODIMP GetDC(HDC* dc) override;
-    STDMETHODIMP ReleaseDC(HDC dc) override;
+                     LPDDBLTFX effects) noexcept override;
+    STDMETHODIMP Flip(LPDIRECTDRAWSURFACE7 target, DWORD flags) noexcept override;
+    STDMETHODIMP GetAttachedSurface(LPDDSCAPS2 caps,
+                                    LPDIRECTDRAWSURFACE7* attached) noexcept override;
+    STDMETHODIMP GetDC(HDC* dc) noexcept override;
+    STDMETHODIMP ReleaseDC(HDC dc) noexcept override;
     STDMETHODIMP Lock(LPRECT area, LPDDSURFACEDESC2 description, DWORD flags,
-                      HANDLE event) override;
-    STDMETHODIMP Unlock(LPRECT area) override;
-    STDMETHODIMP IsLost() override;
-    STDMETHODIMP Restore() override;
-    STDMETHODIMP GetPalette(LPDIRECTDRAWPALETTE* given) override;
-    STDMETHODIMP SetPalette(LPDIRECTDRAWPALETTE wanted) override;
+                      HANDLE event) noexcept override;
+    STDMETHODIMP Unlock(LPRECT area) noexcept override;
+    STDMETHODIMP IsLost() noexcept override;
+    STDMETHODIMP Restore() noexcept override;
+    STDMETHODIMP GetPalette(LPDIRECTDRAWPALETTE* given) noexcept override;
+    STDMETHODIMP SetPalette(LPDIRECTDRAWPALETTE wanted) noexcept override;
 
     void onLastRelease();
 

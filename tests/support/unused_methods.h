@@ -6,217 +6,249 @@
 
 class UnusedDirectDraw7 : public IDirectDraw7 {
 public:
-    STDMETHODIMP Compact() override { return E_NOTIMPL; }
-    STDMETHODIMP CreateClipper(DWORD, LPDIRECTDRAWCLIPPER*, IUnknown*) override {
+    STDMETHODIMP Compact() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CreateClipper(DWORD, LPDIRECTDRAWCLIPPER*, IUnknown*) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreatePalette(DWORD, LPPALETTEENTRY, LPDIRECTDRAWPALETTE*, IUnknown*) override {
+    STDMETHODIMP CreatePalette(DWORD, LPPALETTEENTRY, LPDIRECTDRAWPALETTE*,
+                               IUnknown*) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreateSurface(LPDDSURFACEDESC2, LPDIRECTDRAWSURFACE7*, IUnknown*) override {
+    STDMETHODIMP CreateSurface(LPDDSURFACEDESC2, LPDIRECTDRAWSURFACE7*,
+                               IUnknown*) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP DuplicateSurface(LPDIRECTDRAWSURFACE7, LPDIRECTDRAWSURFACE7*) override {
+    STDMETHODIMP DuplicateSurface(LPDIRECTDRAWSURFACE7, LPDIRECTDRAWSURFACE7*) noexcept override {
         return E_NOTIMPL;
     }
     STDMETHODIMP EnumDisplayModes(DWORD, LPDDSURFACEDESC2, LPVOID,
-                                  LPDDENUMMODESCALLBACK2) override {
+                                  LPDDENUMMODESCALLBACK2) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP EnumSurfaces(DWORD, LPDDSURFACEDESC2, LPVOID, LPDDENUMSURFACESCALLBACK7) override {
+    STDMETHODIMP EnumSurfaces(DWORD, LPDDSURFACEDESC2, LPVOID,
+                              LPDDENUMSURFACESCALLBACK7) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP FlipToGDISurface() override { return E_NOTIMPL; }
-    STDMETHODIMP GetCaps(LPDDCAPS, LPDDCAPS) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDisplayMode(LPDDSURFACEDESC2) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFourCCCodes(LPDWORD, LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetGDISurface(LPDIRECTDRAWSURFACE7*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMonitorFrequency(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetScanLine(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetVerticalBlankStatus(BOOL*) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(GUID*) override { return E_NOTIMPL; }
-    STDMETHODIMP RestoreDisplayMode() override { return E_NOTIMPL; }
-    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetDisplayMode(DWORD, DWORD, DWORD, DWORD, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP WaitForVerticalBlank(DWORD, HANDLE) override { return E_NOTIMPL; }
-    STDMETHODIMP GetAvailableVidMem(LPDDSCAPS2, LPDWORD, LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetSurfaceFromDC(HDC, LPDIRECTDRAWSURFACE7*) override { return E_NOTIMPL; }
-    STDMETHODIMP RestoreAllSurfaces() override { return E_NOTIMPL; }
-    STDMETHODIMP TestCooperativeLevel() override { return E_NOTIMPL; }
-    STDMETHODIMP GetDeviceIdentifier(LPDDDEVICEIDENTIFIER2, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP StartModeTest(LPSIZE, DWORD, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP EvaluateMode(DWORD, DWORD*) override { return E_NOTIMPL; }
+    STDMETHODIMP FlipToGDISurface() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetCaps(LPDDCAPS, LPDDCAPS) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDisplayMode(LPDDSURFACEDESC2) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFourCCCodes(LPDWORD, LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetGDISurface(LPDIRECTDRAWSURFACE7*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetMonitorFrequency(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetScanLine(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetVerticalBlankStatus(BOOL*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(GUID*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RestoreDisplayMode() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetDisplayMode(DWORD, DWORD, DWORD, DWORD, DWORD) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP WaitForVerticalBlank(DWORD, HANDLE) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetAvailableVidMem(LPDDSCAPS2, LPDWORD, LPDWORD) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetSurfaceFromDC(HDC, LPDIRECTDRAWSURFACE7*) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP RestoreAllSurfaces() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP TestCooperativeLevel() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDeviceIdentifier(LPDDDEVICEIDENTIFIER2, DWORD) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP StartModeTest(LPSIZE, DWORD, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP EvaluateMode(DWORD, DWORD*) noexcept override { return E_NOTIMPL; }
 };
 
 class UnusedDirectDrawSurface7 : public IDirectDrawSurface7 {
 public:
-    STDMETHODIMP AddAttachedSurface(LPDIRECTDRAWSURFACE7) override { return E_NOTIMPL; }
-    STDMETHODIMP AddOverlayDirtyRect(LPRECT) override { return E_NOTIMPL; }
-    STDMETHODIMP Blt(LPRECT, LPDIRECTDRAWSURFACE7, LPRECT, DWORD, LPDDBLTFX) override {
+    STDMETHODIMP AddAttachedSurface(LPDIRECTDRAWSURFACE7) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP AddOverlayDirtyRect(LPRECT) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Blt(LPRECT, LPDIRECTDRAWSURFACE7, LPRECT, DWORD, LPDDBLTFX) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP BltBatch(LPDDBLTBATCH, DWORD, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP BltFast(DWORD, DWORD, LPDIRECTDRAWSURFACE7, LPRECT, DWORD) override {
+    STDMETHODIMP BltBatch(LPDDBLTBATCH, DWORD, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP BltFast(DWORD, DWORD, LPDIRECTDRAWSURFACE7, LPRECT, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP DeleteAttachedSurface(DWORD, LPDIRECTDRAWSURFACE7) override { return E_NOTIMPL; }
-    STDMETHODIMP EnumAttachedSurfaces(LPVOID, LPDDENUMSURFACESCALLBACK7) override {
+    STDMETHODIMP DeleteAttachedSurface(DWORD, LPDIRECTDRAWSURFACE7) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP EnumOverlayZOrders(DWORD, LPVOID, LPDDENUMSURFACESCALLBACK7) override {
+    STDMETHODIMP EnumAttachedSurfaces(LPVOID, LPDDENUMSURFACESCALLBACK7) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP Flip(LPDIRECTDRAWSURFACE7, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetAttachedSurface(LPDDSCAPS2, LPDIRECTDRAWSURFACE7*) override {
+    STDMETHODIMP EnumOverlayZOrders(DWORD, LPVOID, LPDDENUMSURFACESCALLBACK7) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP GetBltStatus(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetCaps(LPDDSCAPS2) override { return E_NOTIMPL; }
-    STDMETHODIMP GetClipper(LPDIRECTDRAWCLIPPER*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetColorKey(DWORD, LPDDCOLORKEY) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDC(HDC*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFlipStatus(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetOverlayPosition(LPLONG, LPLONG) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPalette(LPDIRECTDRAWPALETTE*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPixelFormat(LPDDPIXELFORMAT) override { return E_NOTIMPL; }
-    STDMETHODIMP GetSurfaceDesc(LPDDSURFACEDESC2) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(LPDIRECTDRAW, LPDDSURFACEDESC2) override { return E_NOTIMPL; }
-    STDMETHODIMP IsLost() override { return E_NOTIMPL; }
-    STDMETHODIMP Lock(LPRECT, LPDDSURFACEDESC2, DWORD, HANDLE) override { return E_NOTIMPL; }
-    STDMETHODIMP ReleaseDC(HDC) override { return E_NOTIMPL; }
-    STDMETHODIMP Restore() override { return E_NOTIMPL; }
-    STDMETHODIMP SetClipper(LPDIRECTDRAWCLIPPER) override { return E_NOTIMPL; }
-    STDMETHODIMP SetColorKey(DWORD, LPDDCOLORKEY) override { return E_NOTIMPL; }
-    STDMETHODIMP SetOverlayPosition(LONG, LONG) override { return E_NOTIMPL; }
-    STDMETHODIMP SetPalette(LPDIRECTDRAWPALETTE) override { return E_NOTIMPL; }
-    STDMETHODIMP Unlock(LPRECT) override { return E_NOTIMPL; }
+    STDMETHODIMP Flip(LPDIRECTDRAWSURFACE7, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetAttachedSurface(LPDDSCAPS2, LPDIRECTDRAWSURFACE7*) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetBltStatus(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetCaps(LPDDSCAPS2) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetClipper(LPDIRECTDRAWCLIPPER*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetColorKey(DWORD, LPDDCOLORKEY) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDC(HDC*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFlipStatus(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetOverlayPosition(LPLONG, LPLONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPalette(LPDIRECTDRAWPALETTE*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPixelFormat(LPDDPIXELFORMAT) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetSurfaceDesc(LPDDSURFACEDESC2) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(LPDIRECTDRAW, LPDDSURFACEDESC2) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP IsLost() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Lock(LPRECT, LPDDSURFACEDESC2, DWORD, HANDLE) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP ReleaseDC(HDC) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Restore() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetClipper(LPDIRECTDRAWCLIPPER) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetColorKey(DWORD, LPDDCOLORKEY) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetOverlayPosition(LONG, LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetPalette(LPDIRECTDRAWPALETTE) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Unlock(LPRECT) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP UpdateOverlay(LPRECT, LPDIRECTDRAWSURFACE7, LPRECT, DWORD,
-                               LPDDOVERLAYFX) override {
+                               LPDDOVERLAYFX) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP UpdateOverlayDisplay(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP UpdateOverlayZOrder(DWORD, LPDIRECTDRAWSURFACE7) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDDInterface(LPVOID*) override { return E_NOTIMPL; }
-    STDMETHODIMP PageLock(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP PageUnlock(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetSurfaceDesc(LPDDSURFACEDESC2, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetPrivateData(REFGUID, LPVOID, DWORD, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPrivateData(REFGUID, LPVOID, LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP FreePrivateData(REFGUID) override { return E_NOTIMPL; }
-    STDMETHODIMP GetUniquenessValue(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP ChangeUniquenessValue() override { return E_NOTIMPL; }
-    STDMETHODIMP SetPriority(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPriority(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetLOD(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetLOD(LPDWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP UpdateOverlayDisplay(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP UpdateOverlayZOrder(DWORD, LPDIRECTDRAWSURFACE7) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetDDInterface(LPVOID*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP PageLock(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP PageUnlock(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetSurfaceDesc(LPDDSURFACEDESC2, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetPrivateData(REFGUID, LPVOID, DWORD, DWORD) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetPrivateData(REFGUID, LPVOID, LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP FreePrivateData(REFGUID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetUniquenessValue(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP ChangeUniquenessValue() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetPriority(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPriority(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetLOD(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetLOD(LPDWORD) noexcept override { return E_NOTIMPL; }
 };
 
 class UnusedDirectDrawPalette : public IDirectDrawPalette {
 public:
-    STDMETHODIMP GetCaps(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEntries(DWORD, DWORD, DWORD, LPPALETTEENTRY) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(LPDIRECTDRAW, DWORD, LPPALETTEENTRY) override { return E_NOTIMPL; }
-    STDMETHODIMP SetEntries(DWORD, DWORD, DWORD, LPPALETTEENTRY) override { return E_NOTIMPL; }
+    STDMETHODIMP GetCaps(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetEntries(DWORD, DWORD, DWORD, LPPALETTEENTRY) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Initialize(LPDIRECTDRAW, DWORD, LPPALETTEENTRY) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP SetEntries(DWORD, DWORD, DWORD, LPPALETTEENTRY) noexcept override {
+        return E_NOTIMPL;
+    }
 };
 
 class UnusedDirectInput7A : public IDirectInput7A {
 public:
-    STDMETHODIMP CreateDevice(REFGUID, LPDIRECTINPUTDEVICEA*, LPUNKNOWN) override {
+    STDMETHODIMP CreateDevice(REFGUID, LPDIRECTINPUTDEVICEA*, LPUNKNOWN) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP EnumDevices(DWORD, LPDIENUMDEVICESCALLBACKA, LPVOID, DWORD) override {
+    STDMETHODIMP EnumDevices(DWORD, LPDIENUMDEVICESCALLBACKA, LPVOID, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP GetDeviceStatus(REFGUID) override { return E_NOTIMPL; }
-    STDMETHODIMP RunControlPanel(HWND, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(HINSTANCE, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP FindDevice(REFGUID, LPCSTR, LPGUID) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateDeviceEx(REFGUID, REFIID, LPVOID*, LPUNKNOWN) override { return E_NOTIMPL; }
+    STDMETHODIMP GetDeviceStatus(REFGUID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RunControlPanel(HWND, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(HINSTANCE, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP FindDevice(REFGUID, LPCSTR, LPGUID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CreateDeviceEx(REFGUID, REFIID, LPVOID*, LPUNKNOWN) noexcept override {
+        return E_NOTIMPL;
+    }
 };
 
 class UnusedDirectInputDevice7A : public IDirectInputDevice7A {
 public:
-    STDMETHODIMP GetCapabilities(LPDIDEVCAPS) override { return E_NOTIMPL; }
-    STDMETHODIMP EnumObjects(LPDIENUMDEVICEOBJECTSCALLBACKA, LPVOID, DWORD) override {
+    STDMETHODIMP GetCapabilities(LPDIDEVCAPS) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP EnumObjects(LPDIENUMDEVICEOBJECTSCALLBACKA, LPVOID, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP GetProperty(REFGUID, LPDIPROPHEADER) override { return E_NOTIMPL; }
-    STDMETHODIMP SetProperty(REFGUID, LPCDIPROPHEADER) override { return E_NOTIMPL; }
-    STDMETHODIMP Acquire() override { return E_NOTIMPL; }
-    STDMETHODIMP Unacquire() override { return E_NOTIMPL; }
-    STDMETHODIMP GetDeviceState(DWORD, LPVOID) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDeviceData(DWORD, LPDIDEVICEOBJECTDATA, LPDWORD, DWORD) override {
+    STDMETHODIMP GetProperty(REFGUID, LPDIPROPHEADER) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetProperty(REFGUID, LPCDIPROPHEADER) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Acquire() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Unacquire() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDeviceState(DWORD, LPVOID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDeviceData(DWORD, LPDIDEVICEOBJECTDATA, LPDWORD, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP SetDataFormat(LPCDIDATAFORMAT) override { return E_NOTIMPL; }
-    STDMETHODIMP SetEventNotification(HANDLE) override { return E_NOTIMPL; }
-    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetObjectInfo(LPDIDEVICEOBJECTINSTANCEA, DWORD, DWORD) override {
+    STDMETHODIMP SetDataFormat(LPCDIDATAFORMAT) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetEventNotification(HANDLE) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetObjectInfo(LPDIDEVICEOBJECTINSTANCEA, DWORD, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP GetDeviceInfo(LPDIDEVICEINSTANCEA) override { return E_NOTIMPL; }
-    STDMETHODIMP RunControlPanel(HWND, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(HINSTANCE, DWORD, REFGUID) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateEffect(REFGUID, LPCDIEFFECT, LPDIRECTINPUTEFFECT*, LPUNKNOWN) override {
+    STDMETHODIMP GetDeviceInfo(LPDIDEVICEINSTANCEA) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RunControlPanel(HWND, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(HINSTANCE, DWORD, REFGUID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CreateEffect(REFGUID, LPCDIEFFECT, LPDIRECTINPUTEFFECT*,
+                              LPUNKNOWN) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP EnumEffects(LPDIENUMEFFECTSCALLBACKA, LPVOID, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEffectInfo(LPDIEFFECTINFOA, REFGUID) override { return E_NOTIMPL; }
-    STDMETHODIMP GetForceFeedbackState(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SendForceFeedbackCommand(DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP EnumEffects(LPDIENUMEFFECTSCALLBACKA, LPVOID, DWORD) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetEffectInfo(LPDIEFFECTINFOA, REFGUID) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetForceFeedbackState(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SendForceFeedbackCommand(DWORD) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP EnumCreatedEffectObjects(LPDIENUMCREATEDEFFECTOBJECTSCALLBACK, LPVOID,
-                                          DWORD) override {
+                                          DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP Escape(LPDIEFFESCAPE) override { return E_NOTIMPL; }
-    STDMETHODIMP Poll() override { return E_NOTIMPL; }
-    STDMETHODIMP SendDeviceData(DWORD, LPCDIDEVICEOBJECTDATA, LPDWORD, DWORD) override {
+    STDMETHODIMP Escape(LPDIEFFESCAPE) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Poll() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SendDeviceData(DWORD, LPCDIDEVICEOBJECTDATA, LPDWORD, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP EnumEffectsInFile(LPCSTR, LPDIENUMEFFECTSINFILECALLBACK, LPVOID, DWORD) override {
+    STDMETHODIMP EnumEffectsInFile(LPCSTR, LPDIENUMEFFECTSINFILECALLBACK, LPVOID,
+                                   DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP WriteEffectToFile(LPCSTR, DWORD, LPDIFILEEFFECT, DWORD) override {
+    STDMETHODIMP WriteEffectToFile(LPCSTR, DWORD, LPDIFILEEFFECT, DWORD) noexcept override {
         return E_NOTIMPL;
     }
 };
 
 class UnusedDirectSound : public IDirectSound {
 public:
-    STDMETHODIMP CreateSoundBuffer(LPCDSBUFFERDESC, LPDIRECTSOUNDBUFFER*, IUnknown*) override {
+    STDMETHODIMP CreateSoundBuffer(LPCDSBUFFERDESC, LPDIRECTSOUNDBUFFER*,
+                                   IUnknown*) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP GetCaps(LPDSCAPS) override { return E_NOTIMPL; }
-    STDMETHODIMP DuplicateSoundBuffer(LPDIRECTSOUNDBUFFER, LPDIRECTSOUNDBUFFER*) override {
+    STDMETHODIMP GetCaps(LPDSCAPS) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP DuplicateSoundBuffer(LPDIRECTSOUNDBUFFER, LPDIRECTSOUNDBUFFER*) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Compact() override { return E_NOTIMPL; }
-    STDMETHODIMP GetSpeakerConfig(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetSpeakerConfig(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(LPCGUID) override { return E_NOTIMPL; }
+    STDMETHODIMP SetCooperativeLevel(HWND, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Compact() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetSpeakerConfig(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetSpeakerConfig(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(LPCGUID) noexcept override { return E_NOTIMPL; }
 };
 
 class UnusedDirectSoundBuffer : public IDirectSoundBuffer {
 public:
-    STDMETHODIMP GetCaps(LPDSBCAPS) override { return E_NOTIMPL; }
-    STDMETHODIMP GetCurrentPosition(LPDWORD, LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFormat(LPWAVEFORMATEX, DWORD, LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetVolume(LPLONG) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPan(LPLONG) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrequency(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP GetStatus(LPDWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(LPDIRECTSOUND, LPCDSBUFFERDESC) override { return E_NOTIMPL; }
-    STDMETHODIMP Lock(DWORD, DWORD, LPVOID*, LPDWORD, LPVOID*, LPDWORD, DWORD) override {
+    STDMETHODIMP GetCaps(LPDSBCAPS) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetCurrentPosition(LPDWORD, LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFormat(LPWAVEFORMATEX, DWORD, LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetVolume(LPLONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPan(LPLONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFrequency(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetStatus(LPDWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(LPDIRECTSOUND, LPCDSBUFFERDESC) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Lock(DWORD, DWORD, LPVOID*, LPDWORD, LPVOID*, LPDWORD, DWORD) noexcept override {
         return E_NOTIMPL;
     }
-    STDMETHODIMP Play(DWORD, DWORD, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetCurrentPosition(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP SetFormat(LPCWAVEFORMATEX) override { return E_NOTIMPL; }
-    STDMETHODIMP SetVolume(LONG) override { return E_NOTIMPL; }
-    STDMETHODIMP SetPan(LONG) override { return E_NOTIMPL; }
-    STDMETHODIMP SetFrequency(DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Stop() override { return E_NOTIMPL; }
-    STDMETHODIMP Unlock(LPVOID, DWORD, LPVOID, DWORD) override { return E_NOTIMPL; }
-    STDMETHODIMP Restore() override { return E_NOTIMPL; }
+    STDMETHODIMP Play(DWORD, DWORD, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetCurrentPosition(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetFormat(LPCWAVEFORMATEX) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetVolume(LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetPan(LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetFrequency(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Stop() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Unlock(LPVOID, DWORD, LPVOID, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Restore() noexcept override { return E_NOTIMPL; }
 };
