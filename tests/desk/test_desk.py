@@ -9,7 +9,7 @@ import pytest
 
 from desk import Desk, DeskError, wait_until
 from desk.sound import RATE
-from helpers import BUILD, Windows, shows_probe
+from helpers import BUILD, ROOT, Windows, shows_probe
 
 NOTE_HZ = 440
 
@@ -90,3 +90,16 @@ def test_a_desk_leaves_nothing_behind_when_its_user_fails(tmp_path, helpers):
     wait_until(lambda: not desk.program_names(), "the end of the desk's programs")
     assert not Path(f"/tmp/.X11-unix/X{desk.screen.display[1:]}").exists()
     assert not desk.drive_c.exists()
+
+
+def test_a_session_that_is_told_to_end_tidies_up(tmp_path):
+    """As the test runner does at a time limit: the command's own folder must not stay."""
+    places = tmp_path / "places"
+    session = subprocess.Popen([ROOT / "tools" / "desk-session", "bash", "-c",
+                                f'echo "$DISPLAY $XDG_RUNTIME_DIR" > {places}; exec sleep 600'])
+    wait_until(lambda: places.exists() and places.read_text().endswith("\n"), "the session")
+    display, folder = places.read_text().split()
+    session.terminate()
+    assert session.wait(30) != 0
+    assert not Path(folder).exists()
+    assert not Path(f"/tmp/.X11-unix/X{display[1:]}").exists()

@@ -8,6 +8,7 @@ import wave
 from pathlib import Path
 
 from . import gallery, spectrogram
+from .children import tidy_up_on_termination
 from .desk import Desk
 from .menu import INFO_ROW, Menu, highlighted_row
 from .sound import RATE
@@ -103,7 +104,10 @@ def main(build):
 
 
 if __name__ == "__main__":
+    tidy_up_on_termination()
     try:
         main(Path(sys.argv[1]).resolve())
     except DeskError as error:
         sys.exit(f"run: the tour stopped: {error}")
+    except KeyboardInterrupt:
+        sys.exit("run: the tour was interrupted")
