@@ -1,11 +1,7 @@
 #include "tests/support/launcher_stage.h"
 
-#include "tests/support/child_run.h"
-
 #include <cstring>
 #include <fstream>
-
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int);
 
 namespace {
 
@@ -74,10 +70,16 @@ BOOL LauncherStage::startChild(const char* commandLine, const char* workingFolde
     return TRUE;
 }
 
+ChildReport reportFromStage(const std::function<void(LauncherStage&)>& scenario,
+                            std::chrono::milliseconds limit) {
+    return runInChild(
+        [&] {
+            LauncherStage stage;
+            scenario(stage);
+        },
+        limit);
+}
+
 void onStage(const std::function<void(LauncherStage&)>& scenario) {
-    const ChildReport child = runInChild([&] {
-        LauncherStage stage;
-        scenario(stage);
-    });
-    EXPECT_TRUE(child.succeeded());
+    EXPECT_TRUE(reportFromStage(scenario).succeeded());
 }

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "tests/support/call_recorder.h"
+#include "tests/support/child_run.h"
 #include "tests/support/run_to_exit.h"
 #include "tests/support/stand_in_devices.h"
 
@@ -48,6 +49,11 @@ public:
     // --- The run ---
 
     ProgramEnd run();
+    // Adds presses to the script, one after the other: two snapshots each.
+    void press(std::initializer_list<int> scanCodes) {
+        for (const int code : scanCodes)
+            devices.input.press(static_cast<uint8_t>(code));
+    }
     // Ends the script: what follows is up to the test.
     void doNotLeave() { devices.input.onScriptEnd = nullptr; }
 
@@ -66,5 +72,9 @@ private:
                     const STARTUPINFOA& info, PROCESS_INFORMATION* made);
 };
 
-// Runs the scenario on a stage in a process of its own, and expects that all went well in there.
+// Runs the scenario on a stage in a process of its own: for one that may hang or die in there.
+ChildReport reportFromStage(const std::function<void(LauncherStage&)>& scenario,
+                            std::chrono::milliseconds limit = std::chrono::seconds(30));
+
+// The same for one that must end well.
 void onStage(const std::function<void(LauncherStage&)>& scenario);

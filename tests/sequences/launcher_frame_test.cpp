@@ -1,0 +1,221 @@
+// What one frame of either page asks of Windows, and what is then on the screen.
+
+#include "tests/support/launcher_stage.h"
+#include "tests/support/line_difference.h"
+
+#include "input/keyboard.h"
+#include "launcher/variables.h"
+
+#include <string>
+
+namespace {
+
+constexpr COLORREF red = RGB(255, 0, 0);
+constexpr COLORREF cyan = RGB(0, 255, 255);
+constexpr COLORREF white = RGB(255, 255, 255);
+
+// Selects the row of the info file and chooses it: eight snapshots.
+void openInfoPage(LauncherStage& stage) { stage.press({DIK_LEFT, DIK_UP, DIK_UP, DIK_RETURN}); }
+
+std::string numberedLines(int count) {
+    std::string text;
+    for (int line = 0; line < count; ++line)
+        text += "line " + std::to_string(line) + "\r\n";
+    return text;
+}
+
+// A pass begins with black as its text colour, and every page with the banner.
+const std::string beginning = "SetTextColor(*, 0)\nBitBlt(*)\n";
+
+// The calls of Draw_Text for a text that is not empty.
+std::string drawn(int x, int y, const std::string& text, COLORREF foreground, COLORREF background) {
+    return "SetTextColor(*, " + std::to_string(foreground) + ")\n" + //
+           "SetBkColor(*, " + std::to_string(background) + ")\n" +   //
+           "MoveToEx(*, " + std::to_string(x) + ", " + std::to_string(y) + ", null)\n" +
+           "TextOutA(*, 0, 0, \"" + text + "\", " + std::to_string(text.size()) + ")\n" +
+           "SetBkColor(*, *)\nSetTextColor(*, 0)\nMoveToEx(*, 0, 0, *)\n";
+}
+
+testing::AssertionResult linesMatch(const std::string& recorded, const std::string& expected) {
+    const std::string difference = lineDifference(expectedLines(expected), expectedLines(recorded));
+    if (difference.empty())
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << difference;
+}
+
+void watchTexts(LauncherStage& stage, int flip, std::string* lines) {
+    stage.calls.only({"SetTextColor", "SetBkColor", "MoveToEx", "TextOutA", "BitBlt"});
+    stage.calls.before("IDirectDrawSurface7::Flip", flip - 1, [&stage] { stage.calls.take(); });
+    stage.calls.before("IDirectDrawSurface7::Flip", flip, [&stage, lines] {
+        for (const std::string& line : stage.calls.take())
+            *lines += line + "\n";
+    });
+}
+
+} // namespace
+
+TEST(Frame, OfTheCataloguePageAsksWindowsInThisOrder) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.rest(4);
+        stage.calls.except({"SetTextColor", "SetBkColor", "MoveToEx", "TextOutA", "HeapAlloc",
+                            "HeapFree", "HeapReAlloc"});
+        // From inside one flip to inside the flip after the next.
+        stage.calls.before("IDirectDrawSurface7::Flip", 2, [&] { stage.calls.take(); });
+        stage.calls.before("IDirectDrawSurface7::Flip", 4, [&] {
+            EXPECT_TRUE(stage.calls.match(R"(
+                Sleep(1)
+                IDirectDrawSurface7::Blt(surface2, null, null, null, 0x400, *) -> 0
+                IDirectInputDevice7A::GetDeviceState(device1, 256, *) -> 0
+                IDirectDrawSurface7::GetDC(surface2, *) -> 0
+                SetTextAlign(*, 1)
+                SelectObject(*, brush1)
+                SelectObject(*, pen1)
+                CreateSolidBrush(0) -> brush2
+                SetROP2(*, 13)
+                SelectObject(*, brush2)
+                SetBkMode(*, 2)
+                GetObjectType(bitmap1) -> 7
+                CreateCompatibleDC(*)
+                GetObjectA(bitmap1, 32, *)
+                SelectObject(*, bitmap1)
+                BitBlt(*, 192, 0, 640, 135, *, 0, 0, 0xCC0020) -> 1
+                DeleteDC(*)
+                SelectObject(*, font1)
+                SelectObject(*, font2)
+                SelectObject(*, *)
+                SelectObject(*, *)
+                DeleteObject(brush2) -> 1
+                IDirectDrawSurface7::ReleaseDC(surface2, *) -> 0
+                PeekMessageA(*, null, 0, 0, 1) -> 0
+                IDirectDrawSurface7::Flip(surface1, null, 1) -> 0
+                Sleep(1)
+                IDirectDrawSurface7::Blt(*)
+                ...
+            )"));
+        });
+        stage.run();
+    });
+}
+
+TEST(Frame, OfTheCataloguePageDrawsEveryTextAtItsPlaceInItsColours) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.press(DIK_DOWN);
+        stage.devices.input.rest(4);
+        std::string recorded;
+        watchTexts(stage, 4, &recorded);
+        stage.run();
+        std::string expected = beginning;
+        for (int row = 0; row < 30; ++row)
+            expected += drawn(row < 15 ? 100 : 600, 145 + row % 15 * 30,
+                              Launcher.IntroCatalogue[row].Title, white, row == 1 ? red : 0);
+        expected += drawn(100, 620, "Welcome to my Tessel Intros Keldara 2009!", cyan, 0);
+        expected += drawn(100, 640,
+                          "It contains almost all of the intros that I created With the Tessel "
+                          "Forge in 2009.",
+                          cyan, 0);
+        expected += drawn(100, 660,
+                          "Select an Intro using the cursor keys and press the Enter Key To "
+                          "execute it. Press ESC To quit the intro or this program.",
+                          cyan, 0);
+        expected += drawn(100, 680, "Cheers! Ilmar aka Ostrik.", cyan, 0);
+        EXPECT_TRUE(linesMatch(recorded, expected));
+    });
+}
+
+TEST(Frame, OfTheInfoPageDrawsSixtyLinesTenPixelsApart) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("ostrik.nfo", numberedLines(61));
+        openInfoPage(stage);
+        stage.devices.input.rest(4);
+        std::string recorded;
+        watchTexts(stage, 10, &recorded);
+        stage.run();
+        std::string expected = beginning;
+        for (int line = 0; line < 60; ++line)
+            expected += drawn(100, 145 + line * 10, "line " + std::to_string(line), white, 0);
+        EXPECT_TRUE(linesMatch(recorded, expected));
+    });
+}
+
+TEST(Frame, OfTheSecondInfoPageDrawsTheRestOnly) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("ostrik.nfo", numberedLines(61));
+        openInfoPage(stage);
+        stage.devices.input.press(DIK_DOWN);
+        stage.devices.input.press(DIK_DOWN);
+        stage.devices.input.rest(4);
+        std::string recorded;
+        watchTexts(stage, 14, &recorded);
+        stage.run();
+        EXPECT_TRUE(linesMatch(recorded, beginning + drawn(100, 145, "line 60", white, 0)));
+    });
+}
+
+TEST(Frame, EmptyInfoLineStillTakesItsTenPixels) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("ostrik.nfo", "above\r\n\r\nbelow");
+        openInfoPage(stage);
+        stage.devices.input.rest(4);
+        std::string recorded;
+        watchTexts(stage, 10, &recorded);
+        stage.run();
+        EXPECT_NE(recorded.find(", 100, 155, null)"), std::string::npos);
+        EXPECT_NE(recorded.find(", 100, 165, null)"), std::string::npos);
+        EXPECT_EQ(recorded.find(", 100, 175, null)"), std::string::npos);
+    });
+}
+
+TEST(Frame, WithoutAnInfoFileShowsTheLineThatSaysSo) {
+    onStage([](LauncherStage& stage) {
+        openInfoPage(stage);
+        stage.devices.input.press(DIK_DOWN);
+        stage.devices.input.press(DIK_UP);
+        stage.devices.input.rest(4);
+        std::string recorded;
+        watchTexts(stage, 14, &recorded);
+        stage.run();
+        EXPECT_TRUE(
+            linesMatch(recorded, beginning + drawn(100, 145, "No NFO File Found", white, 0)));
+    });
+}
+
+TEST(Frame, StoresWhereEachRowWasDrawn) {
+    onStage([](LauncherStage& stage) {
+        stage.run();
+        for (int row = 0; row < 30; ++row) {
+            EXPECT_EQ(Launcher.IntroCatalogue[row].X, row < 15 ? 100 : 600) << row;
+            EXPECT_EQ(Launcher.IntroCatalogue[row].Y, 145 + row % 15 * 30) << row;
+        }
+        for (int row = 30; row < 32; ++row) {
+            EXPECT_EQ(Launcher.IntroCatalogue[row].Title, nullptr);
+            EXPECT_EQ(Launcher.IntroCatalogue[row].X, 0);
+        }
+    });
+}
+
+TEST(Frame, WithoutABackBufferDrawsNothingButStoresPlacesAndActsOnKeys) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.press(DIK_DOWN);
+        stage.calls.failAlways("IDirectDrawSurface7::GetDC", E_FAIL);
+        stage.run();
+        EXPECT_EQ(stage.calls.uses("TextOutA"), 0);
+        EXPECT_EQ(stage.calls.uses("BitBlt"), 0);
+        EXPECT_EQ(Launcher.IntroCatalogue[29].Y, 565);
+        EXPECT_EQ(Launcher.SelectedRow, 1);
+    });
+}
+
+TEST(Frame, ShowsTheHighlightBehindTheSelectedRowAlone) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.press(DIK_RIGHT);
+        stage.devices.input.rest(3);
+        int first = -1, sixteenth = -1;
+        stage.calls.before("IDirectDrawSurface7::Blt", 5, [&] {
+            first = stage.devices.ddraw.shownCount({100, 145, 500, 175}, red);
+            sixteenth = stage.devices.ddraw.shownCount({600, 145, 1000, 175}, red);
+        });
+        stage.run();
+        EXPECT_EQ(first, 0);
+        EXPECT_GT(sixteenth, 1000);
+    });
+}
