@@ -55,11 +55,13 @@ void requireDataFile() {
 }
 
 // There is no sleep in this loop and no way out of it without the child: an intro that is not there
-// keeps the program here, with the screen closed, until it is ended from outside.
+// keeps the program here, with the screen closed, until it is ended from outside. The result is
+// written as volatile because a compiler may take a loop without side effects for one that ends.
 void waitForChild() {
+    volatile int64_t& result = Launcher.WaitResult;
     do
-        Launcher.WaitResult = Proc_WaitEnd(Launcher.ChildHandle);
-    while (Launcher.WaitResult == 0);
+        result = Proc_WaitEnd(Launcher.ChildHandle);
+    while (result == 0);
 }
 
 } // namespace

@@ -22,6 +22,13 @@ bool isNumber(const ObjectRegistry* registry, ObjectId id) {
     return id >= 0 && id < registry->capacity;
 }
 
+// The lowest 64 KiB are never mapped: a value in there is a number beyond the table and no address.
+constexpr ObjectId lowestAddress = 0x10000;
+
+void* looseRecord(ObjectId id) {
+    return id >= 0 && id < lowestAddress ? nullptr : reinterpret_cast<void*>(id);
+}
+
 void* numberedRecord(const ObjectRegistry* registry, ObjectId number) {
     return registry->table + number * registry->recordSize;
 }
@@ -91,8 +98,7 @@ void* Registry_Claim(ObjectRegistry* registry, ObjectId id) {
 }
 
 void* Registry_Lookup(const ObjectRegistry* registry, ObjectId id) {
-    void* record =
-        isNumber(registry, id) ? numberedRecord(registry, id) : reinterpret_cast<void*>(id);
+    void* record = isNumber(registry, id) ? numberedRecord(registry, id) : looseRecord(id);
     return record && isAliveForLookup(record) ? record : nullptr;
 }
 
