@@ -1,21 +1,18 @@
 // A struck plate of tin rings, and the sand upon it gathers in figures where the plate stands
 // still. Each tone has its own figure; one passes into the next.
 
-#include "letters.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Ostrik Intro 1 V4 Ringing Tinplate";
 
 namespace {
 
-constexpr int figureCount = 7;
+constexpr int figureCount = 7, mostWaves = 8;
 constexpr int waves[figureCount][2] = {{1, 3}, {2, 5}, {3, 5}, {1, 6}, {4, 7}, {3, 8}, {5, 8}};
-constexpr int mostWaves = 8;
 constexpr float secondsEach = 3.0f;
 constexpr int plateSize = 328, plateLeft = 92, plateTop = 10;
 
-const Lettering name = Letters_Make("Ringing Tinplate", Face::Serif, 58, Slant::Italic);
-const Lettering nameShadow = Letters_Soften(name, 8);
+const Title name = Letters_MakeTitle("Ringing Tinplate", Face::Serif, 58, Slant::Italic);
 
 // The cosines of all waves along one side of the plate: a figure is made of four of them.
 float cosines[mostWaves + 1][plateSize + 1];
@@ -38,22 +35,16 @@ struct Tone {
     float loud;  // just struck: 1, then dying away
 };
 
-Tone toneAt(float seconds) {
-    const float place = seconds / secondsEach;
-    const float within = Maths_Fract(place);
-    return {int(place), Maths_Smooth(0.75f, 1.0f, within), 1.0f - 0.7f * within};
-}
-
 float height(const Tone& tone, int x, int y) {
     return Maths_Mix(swing(tone.figure, x, y), swing(tone.figure + 1, x, y), tone.share);
 }
 
 // Rolled tin: fine lines across, and light that slides over it as it swings.
-Colour shadeTin(float lift, float slope, int x, int y, float seconds) {
+Colour shadeTin(float slope, int x, int y, float seconds) {
     const float grain =
         0.06f * Maths_Hash(x / 17, y) + 0.05f * Maths_Noise(float(x) / 9.0f, float(y) / 2.0f);
     const float sheen = 0.10f * Maths_Sin(float(x + y) / 330.0f + 0.07f * seconds);
-    const float light = 0.36f + grain + sheen + 0.9f * slope + 0.06f * lift;
+    const float light = 0.36f + grain + sheen + 0.9f * slope;
     return Colour_Make(light * 0.92f, light, light * 1.10f);
 }
 
@@ -61,7 +52,8 @@ Colour shadePlate(const Tone& tone, int x, int y, float seconds) {
     const float here = height(tone, x, y);
     const float dx = height(tone, x + 1, y) - here, dy = height(tone, x, y + 1) - here;
     const float swinging = tone.loud * Maths_Sin(9.0f * seconds);
-    const Colour tin = shadeTin(here * swinging, (dx + dy) * (0.8f + swinging), x, y, seconds);
+    const Colour tin =
+        shadeTin((dx + dy) * (0.8f + swinging) + 0.06f * here * swinging, x, y, seconds);
     const float away = std::fabs(here) / (std::sqrt(dx * dx + dy * dy) * 15.0f + 0.03f);
     const float heap = Maths_Smooth(1.0f, 0.35f, away + 0.5f * Maths_Hash(x, y));
     const float dust = Maths_Hash(y, x + int(seconds * 12.0f)) < 0.012f * tone.loud;
@@ -69,38 +61,27 @@ Colour shadePlate(const Tone& tone, int x, int y, float seconds) {
     return Colour_Mix(tin, sand, Maths_Clamp(heap + dust));
 }
 
-bool isOnPlate(int x, int y) { return x >= 0 && x < plateSize && y >= 0 && y < plateSize; }
-
 // The table beneath trembles a little with each stroke.
-Colour shadeTable(int x, int y, float loud) {
-    const float grain = Maths_Noise(float(x) / 60.0f, float(y) / 3.0f + loud);
-    const float dx = float(x) - Canvas_CentreX, dy = float(y) - 180.0f;
-    const float shadow = Maths_Smooth(130.0f, 230.0f, std::fmax(std::fabs(dx), std::fabs(dy)));
-    const float light = (0.18f + 0.14f * grain) * (0.45f + 0.55f * shadow);
+Colour shadeTable(float x, float y, float loud) {
+    const float grain = Maths_Noise(x / 60.0f, y / 3.0f + loud);
+    const float away = std::fmax(std::fabs(x - Canvas_CentreX), std::fabs(y - 180.0f));
+    const float light = (0.18f + 0.14f * grain) * Maths_Smooth(70.0f, 230.0f, away);
     return Colour_Make(light * 1.25f, light * 0.62f, light * 0.36f);
-}
-
-void drawName(Canvas& canvas) {
-    const int left = Letters_Centred(name), top = 326;
-    Letters_Colour(canvas, nameShadow, left - 6, top - 6, 0x000000);
-    Letters_Colour(canvas, nameShadow, left - 6, top - 6, 0x000000);
-    Letters_Colour(canvas, name, left - 1, top - 1, 0xFFFFFF);
-    Letters_Paint(canvas, name, left, top, [](int x, int y) {
-        const float light = 0.55f + 0.4f * Maths_Sin(float(y) / 40.0f + float(x) / 400.0f);
-        return Colour_Make(light * 0.95f, light, light * 1.12f);
-    });
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    const Tone tone = toneAt(seconds);
     if (cosines[0][0] == 0.0f) // not made yet: each begins with 1
         makeCosines();
-    Canvas_Fill(canvas, [&](int x, int y) {
-        return isOnPlate(x - plateLeft, y - plateTop)
-                   ? shadePlate(tone, x - plateLeft, y - plateTop, seconds)
-                   : shadeTable(x, y, tone.loud);
+    const float place = seconds / secondsEach, within = Maths_Fract(place);
+    const Tone tone = {int(place), Maths_Smooth(0.75f, 1.0f, within), 1.0f - 0.7f * within};
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeTable(x, y, tone.loud); });
+    for (int y = 0; y < plateSize; ++y)
+        for (int x = 0; x < plateSize; ++x)
+            canvas.pixels[plateTop + y][plateLeft + x] = shadePlate(tone, x, y, seconds);
+    Letters_PaintTitle(canvas, name, 326, 0x000000, [](float x, float y) {
+        const float light = 0.6f + 0.4f * Maths_Sin(y / 40.0f + x / 400.0f);
+        return Colour_Make(light * 0.95f, light, light * 1.12f);
     });
-    drawName(canvas);
 }

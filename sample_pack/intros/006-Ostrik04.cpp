@@ -1,6 +1,5 @@
 // Lanternfish on their way through the deep: dark bodies, rows of lights, and snow that sinks.
 
-#include "letters.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Ostrik Intro 4 Lanternfish";
@@ -11,27 +10,22 @@ constexpr int fishCount = 11;
 constexpr int snowCount = 260;
 constexpr int sideSteps = 14; // points along a fish's back, and along its belly
 
-const Lettering name = Letters_Make("Lanternfish", Face::Serif, 76, Slant::Italic);
-const Lettering nameShine = Letters_Soften(name, 14);
+const Title name = Letters_MakeTitle("Lanternfish", Face::Serif, 76, Slant::Italic);
 
-void drawDeep(Canvas& canvas, float seconds) {
-    Canvas_Fill(canvas, [=](int x, int y) {
-        const float depth = float(y) / float(Canvas_Height);
-        const float shaft = Maths_Noise((float(x) - 0.35f * float(y)) / 42.0f, 0.25f * seconds);
-        const float light = (1.0f - depth) * (1.0f - depth) * (0.35f + 0.65f * shaft);
-        return Colour_Make(0.01f + 0.03f * light, 0.03f + 0.30f * light, 0.10f + 0.42f * light);
-    });
+Colour shadeDeep(float x, float y, float seconds) {
+    const float height = 1.0f - y / 384.0f;
+    const float shaft = Maths_Noise((x - 0.35f * y) / 42.0f, 0.25f * seconds);
+    const float light = height * height * (0.35f + 0.65f * shaft);
+    return Colour_Make(0.01f + 0.03f * light, 0.03f + 0.30f * light, 0.10f + 0.42f * light);
 }
 
-void drawSnow(Canvas& canvas, float seconds) {
-    for (int flake = 0; flake < snowCount; ++flake) {
-        const float size = Maths_Hash(flake, 7);
-        const float sway = 0.02f * Maths_Sin(0.2f * seconds + Maths_Hash(flake, 8));
-        const float x = Maths_Fract(Maths_Hash(flake, 1) + sway - 0.01f * seconds * size);
-        const float y = Maths_Fract(Maths_Hash(flake, 2) + seconds * (0.01f + 0.03f * size));
-        Canvas_Add(canvas, int(x * Canvas_Width), int(y * Canvas_Height),
-                   Colour_Scale(0x90C0D0, 0.2f + 0.5f * size * size));
-    }
+void drawFlake(Canvas& canvas, int flake, float seconds) {
+    const float size = Maths_Hash(flake, 7);
+    const float sway = 0.02f * Maths_Sin(0.2f * seconds + Maths_Hash(flake, 8));
+    const float x = Maths_Fract(Maths_Hash(flake, 1) + sway - 0.01f * seconds * size);
+    const float y = Maths_Fract(Maths_Hash(flake, 2) + seconds * (0.01f + 0.03f * size));
+    Canvas_Add(canvas, int(x * 512.0f), int(y * 384.0f),
+               Colour_Scale(0x90C0D0, 0.2f + 0.5f * size * size));
 }
 
 struct Fish {
@@ -45,11 +39,10 @@ struct Fish {
 Fish placeFish(int number, float seconds) {
     const float nearness = float(number + 2) / float(fishCount + 2);
     const float way = Maths_Hash(number, 1) + seconds * (0.02f + 0.05f * nearness);
-    const float x = float(Canvas_Width) * (1.25f - 1.5f * Maths_Fract(way));
     const float lane = Maths_Fract(0.381966f * float(number) + 0.1f);
     const float y = 60.0f + 290.0f * lane + 14.0f * Maths_Sin(0.13f * seconds + lane);
     const Colour light = Colour_Mix(0x40B0FF, 0x70FFD0, Maths_Hash(number, 3));
-    return {{x, y},
+    return {{640.0f - 768.0f * Maths_Fract(way), y},
             26.0f + 66.0f * nearness,
             (1.2f - 0.5f * nearness) * seconds + lane,
             Colour_Scale(light, 0.35f + 0.65f * nearness)};
@@ -57,57 +50,45 @@ Fish placeFish(int number, float seconds) {
 
 // A place on the fish: `along` from -1 at the nose to 1 at the tail, `across` from -1 to 1.
 Point onFish(const Fish& fish, float along, float across) {
-    const float slim = (1.0f - along) * (along + 1.02f);
-    const float half = 0.06f + 0.26f * std::sqrt(std::fmax(slim, 0.0f)) * (0.92f - 0.35f * along);
+    const float slim = std::fmax((1.0f - along) * (along + 1.02f), 0.0f);
+    const float half = 0.06f + 0.26f * std::sqrt(slim) * (0.92f - 0.35f * along);
     const float bend = 0.05f * (along + 1.2f) * Maths_Sin(fish.beat - 0.28f * along);
     return {fish.centre.x + fish.length * along,
             fish.centre.y + fish.length * (half * across + bend)};
 }
 
-void drawTail(Canvas& canvas, const Fish& fish, Colour colour) {
-    const Point root = onFish(fish, 0.93f, 0.0f), end = onFish(fish, 1.35f, 0.0f);
-    const float spread = 0.24f * fish.length;
-    const Point outline[] = {{root.x, root.y - 2.0f},
-                             {end.x, end.y - spread},
-                             {end.x - 0.12f * fish.length, end.y},
-                             {end.x, end.y + spread},
-                             {root.x, root.y + 2.0f}};
-    Canvas_Polygon(canvas, outline, 5, colour);
-}
-
 void drawBody(Canvas& canvas, const Fish& fish) {
     const Colour skin = Colour_Mix(0x041018, Colour_Scale(fish.light, 0.35f), 0.55f);
+    const Point root = onFish(fish, 0.93f, 0.0f), end = onFish(fish, 1.35f, 0.0f);
+    const float fin = 0.24f * fish.length;
+    Canvas_Polygon(canvas,
+                   {{root.x, root.y - 2.0f},
+                    {end.x, end.y - fin},
+                    {end.x - fin / 2, end.y},
+                    {end.x, end.y + fin},
+                    {root.x, root.y + 2.0f}},
+                   skin);
     Point outline[2 * sideSteps];
     for (int step = 0; step < sideSteps; ++step) {
         const float along = -1.0f + 2.0f * float(step) / float(sideSteps - 1);
         outline[step] = onFish(fish, along, -1.0f);
         outline[2 * sideSteps - 1 - step] = onFish(fish, along, 0.9f);
     }
-    drawTail(canvas, fish, skin);
-    Canvas_PaintPolygon(outline, 2 * sideSteps, [&](int x, int y, float share) {
-        const float back = (fish.centre.y - float(y)) / (0.34f * fish.length);
-        const Colour scales = Colour_Mix(skin, fish.light, Maths_Clamp(0.30f * back));
-        Canvas_Blend(canvas, x, y, scales, share);
+    Canvas_PaintPolygon(canvas, outline, [&](float, float y) {
+        const float back = (fish.centre.y - y) / (0.34f * fish.length);
+        return Colour_Mix(skin, fish.light, Maths_Clamp(0.30f * back));
     });
 }
 
-void drawEye(Canvas& canvas, const Fish& fish) {
-    const Point eye = onFish(fish, -0.74f, -0.25f);
-    Canvas_Glow(canvas, eye, 0.17f * fish.length, fish.light);
-    const float pupil = 0.055f * fish.length;
-    const Point outline[] = {{eye.x - pupil, eye.y},
-                             {eye.x, eye.y - pupil},
-                             {eye.x + pupil, eye.y},
-                             {eye.x, eye.y + pupil}};
-    Canvas_Polygon(canvas, outline, 4, 0x020810);
-}
-
-// Two rows along the belly; a wave of brightness runs through them.
+// The eye, and two rows along the belly; a wave of brightness runs through them.
 void drawLights(Canvas& canvas, const Fish& fish, float seconds) {
+    const Point eye = onFish(fish, -0.74f, -0.25f);
+    const float pupil = 0.045f * fish.length;
+    Canvas_Glow(canvas, eye, 0.17f * fish.length, fish.light);
+    Canvas_PaintBall(canvas, eye, pupil, pupil, [](float, float, float) { return 0x020810u; });
     for (int lamp = 0; lamp < 18; ++lamp) {
-        const float along = -0.8f + 0.2f * float(lamp % 9);
         const float wave = 0.55f + 0.45f * Maths_Sin(0.9f * seconds - 0.09f * float(lamp));
-        const Point place = onFish(fish, along, lamp < 9 ? 0.75f : 0.2f);
+        const Point place = onFish(fish, -0.8f + 0.2f * float(lamp % 9), lamp < 9 ? 0.75f : 0.2f);
         const float size = lamp < 9 ? 0.13f : 0.08f;
         Canvas_Glow(canvas, place, size * fish.length, Colour_Scale(fish.light, wave));
         Canvas_Glow(canvas, place, 0.035f * fish.length, Colour_Scale(0xFFFFFF, wave));
@@ -118,27 +99,21 @@ void drawFish(Canvas& canvas, int number, float seconds) {
     const Fish fish = placeFish(number, seconds);
     Canvas_Glow(canvas, fish.centre, 1.5f * fish.length, Colour_Scale(fish.light, 0.16f));
     drawBody(canvas, fish);
-    drawEye(canvas, fish);
     drawLights(canvas, fish, seconds);
-}
-
-void drawName(Canvas& canvas, float seconds) {
-    const int left = Letters_Centred(name), top = 24;
-    Letters_Shine(canvas, nameShine, left - 14, top - 14, 0x1860A0);
-    Letters_Paint(canvas, name, left, top, [=](int x, int) {
-        const float wave = 0.5f + 0.5f * Maths_Sin(0.5f * seconds - float(x) / 400.0f);
-        return Colour_Mix(0x50A8E0, 0xE8FFFF, wave * wave);
-    });
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    drawDeep(canvas, seconds);
-    drawSnow(canvas, seconds);
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeDeep(x, y, seconds); });
+    for (int flake = 0; flake < snowCount; ++flake)
+        drawFlake(canvas, flake, seconds);
     for (int number = 0; number < fishCount / 2; ++number)
         drawFish(canvas, number, seconds);
-    drawName(canvas, seconds);
+    Letters_PaintTitle(canvas, name, 24, 0x0C4074, [=](float x, float) {
+        const float wave = 0.5f + 0.5f * Maths_Sin(0.5f * seconds - x / 400.0f);
+        return Colour_Mix(0x50A8E0, 0xE8FFFF, wave * wave);
+    });
     for (int number = fishCount / 2; number < fishCount; ++number)
         drawFish(canvas, number, seconds);
 }

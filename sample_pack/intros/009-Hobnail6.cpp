@@ -1,8 +1,6 @@
 // A turbo loader: stripes race through the border, rings beat against each other in the middle, and
 // the blocks are counted off.
 
-#include "letters.h"
-#include "pixel_font.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Hobnail Loader Intro #6";
@@ -20,12 +18,11 @@ const Lettering name = Letters_Make("HOBNAIL", Face::Sans, 84, Slant::Italic);
 // The stripes' heights change with what is read: short ones for zeros, long ones for ones.
 void drawBorder(Canvas& canvas, float seconds) {
     const int moment = int(seconds * 30.0f);
-    int count = 0;
-    for (int y = 0, end = 0; y < Canvas_Height; ++y) {
-        if (y >= end)
-            end = y + 3 + int(9.0f * Maths_Hash(++count, moment));
+    for (int y = 0, count = 0; y < Canvas_Height; ++count) {
+        const int high = 3 + int(9.0f * Maths_Hash(count, moment));
         const int choice = int(10.0f * Maths_Hash(count, moment / 2 + 77));
-        Canvas_Bar(canvas, 0, y, Canvas_Width, 1, stripes[choice % 10]);
+        Canvas_Bar(canvas, 0, y, Canvas_Width, high, stripes[choice]);
+        y += high;
     }
 }
 
@@ -34,40 +31,36 @@ float ring(int x, int y, Point centre) {
     return Maths_Sin(std::sqrt(dx * dx + dy * dy) / 15.0f);
 }
 
-Point wander(float seconds, float fastX, float fastY) {
-    return {Canvas_CentreX + 130.0f * Maths_Sin(seconds * fastX),
-            Canvas_CentreY + 90.0f * Maths_Sin(seconds * fastY + 0.2f)};
-}
-
 // Where the rings of one centre cross those of the other, light turns into dark.
 void drawRings(Canvas& canvas, float seconds) {
-    const Point one = wander(seconds, 0.083f, 0.111f), other = wander(seconds, -0.097f, 0.071f);
+    const auto wander = [=](float fastX, float fastY) {
+        return Point{Canvas_CentreX + 130.0f * Maths_Sin(seconds * fastX),
+                     Canvas_CentreY + 90.0f * Maths_Sin(seconds * fastY + 0.2f)};
+    };
+    const Point one = wander(0.083f, 0.111f), other = wander(-0.097f, 0.071f);
     const Colour light = Colour_Mix(0xF83878, 0xF8A020, 0.5f + 0.5f * Maths_Sin(0.05f * seconds));
     for (int y = top; y < top + height; ++y)
         for (int x = left; x < left + width; ++x) {
             const float beat = 9.0f * ring(x, y, one) * ring(x, y, other);
             const float shade = 1.0f - 0.5f * std::fabs(float(y) - Canvas_CentreY) / 152.0f;
-            canvas.pixels[y][x] =
-                Colour_Mix(0x180828, Colour_Scale(light, shade), Maths_Clamp(0.5f + beat));
+            canvas.pixels[y][x] = Colour_Mix(0x180828, Colour_Scale(light, shade), 0.5f + beat);
         }
 }
 
 void drawName(Canvas& canvas, float seconds) {
     const int nameLeft = Letters_Centred(name), nameTop = 76;
-    for (int step = 7; step > 0; --step)
+    for (int step = 7; step >= -2; step -= step == 1 ? 3 : 1)
         Letters_Colour(canvas, name, nameLeft + step, nameTop + step, 0x100418);
-    Letters_Colour(canvas, name, nameLeft - 2, nameTop - 2, 0x100418);
-    Letters_Paint(canvas, name, nameLeft, nameTop, [=](int x, int y) {
-        const float gleam = Maths_Sin(float(x + y) / 260.0f - 0.4f * seconds);
-        return Colour_Mix(0xFFFFFF, 0x60E8F0, Maths_Clamp(float(y) / 84.0f + 0.4f * gleam));
+    Letters_Paint(canvas, name, nameLeft, nameTop, [=](float x, float y) {
+        const float gleam = Maths_Sin((x + y) / 260.0f - 0.4f * seconds);
+        return Colour_Mix(0xFFFFFF, 0x60E8F0, y / 84.0f + 0.4f * gleam);
     });
 }
 
 void drawPanel(Canvas& canvas, float seconds) {
     const float share = Maths_Fract(seconds / secondsToLoad);
-    const int blocks = int(share * float(blockCount));
     char line[] = "LOADER #6 000 OF 206";
-    for (int digit = 12, rest = blocks; digit >= 10; --digit, rest /= 10)
+    for (int digit = 12, rest = int(share * float(blockCount)); digit >= 10; --digit, rest /= 10)
         line[digit] = char('0' + rest % 10);
     Canvas_Bar(canvas, 76, 214, 360, 84, 0x100418);
     Canvas_Bar(canvas, 80, 218, 352, 76, 0x281048);

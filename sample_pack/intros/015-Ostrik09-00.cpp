@@ -1,10 +1,7 @@
 // Grapes that run into each other: balls whose surfaces melt where they come close, on the label of
 // a bottle.
 
-#include "letters.h"
 #include "stage.h"
-
-#include <algorithm>
 
 const char Intro_Title[] = "Ostrik Intro 9 Dornfeld";
 
@@ -18,52 +15,43 @@ const Lettering name = Letters_Make("Dornfeld", Face::Serif, 66, Slant::Italic, 
 const Lettering above = Letters_Make("OSTRIK  \267  INTRO  9", Face::Serif, 19);
 
 float field[halfHeight + 1][halfWidth + 1]; // at every second pixel
-Colour label[Canvas_Height][Canvas_Width];
+Canvas label;
 
-Colour shadeLabel(int x, int y) {
-    const float grain = 0.05f * Maths_Noise(float(x) / 3.0f, float(y) / 50.0f);
-    const float fade = 0.06f * Maths_Noise(float(x) / 80.0f, float(y) / 80.0f);
-    const int edge =
-        std::min(std::min(x, Canvas_Width - 1 - x), std::min(y, Canvas_Height - 1 - y));
+// Paper in a dark frame, with two lines of gold.
+Colour shadeLabel(float x, float y) {
+    const float grain =
+        0.05f * Maths_Noise(x / 3.0f, y / 50.0f) + 0.06f * Maths_Noise(x / 80.0f, y / 80.0f);
+    const int edge = int(std::min(std::min(x, 511.0f - x), std::min(y, 383.0f - y)));
     if (edge < 14)
         return Colour_Make(0.05f, 0.10f + grain, 0.06f);
     if ((edge >= 20 && edge < 23) || edge == 26)
-        return Colour_Mix(0xB08830, 0xE8CC80, Maths_Noise(float(x + y) / 30.0f, 0.0f));
-    return Colour_Make(0.93f - grain - fade, 0.88f - grain - fade, 0.76f - grain - fade);
+        return Colour_Mix(0xB08830, 0xE8CC80, Maths_Noise((x + y) / 30.0f, 0.0f));
+    return Colour_Make(0.93f - grain, 0.88f - grain, 0.76f - grain);
 }
 
-void makeLabel() {
-    for (int y = 0; y < Canvas_Height; ++y)
-        for (int x = 0; x < Canvas_Width; ++x)
-            label[y][x] = shadeLabel(x, y);
-}
-
-// The bunch hangs together in rows and still never rests.
+// The bunch hangs together in rows of five, four, three and one, and still never rests.
 Point placeBall(int ball, float seconds) {
     const int row = ball < 5 ? 0 : ball < 9 ? 1 : ball < 12 ? 2 : 3;
     const int column = ball - (row == 0 ? 0 : row == 1 ? 5 : row == 2 ? 9 : 12);
-    const float left = -17.0f * float(row == 3 ? 0 : 4 - row);
+    const float x = 128.0f + 34.0f * float(column) - (row == 3 ? 0.0f : 68.0f - 17.0f * float(row));
     const float phase = float(ball) * 0.381966f;
-    return {128.0f + left + 34.0f * float(column) + 6.0f * Maths_Sin(phase + 0.13f * seconds),
+    return {x + 6.0f * Maths_Sin(phase + 0.13f * seconds),
             46.0f + 25.0f * float(row) + 6.0f * Maths_Sin(2.6f * phase + 0.17f * seconds)};
 }
 
 void addBall(Point centre, float size) {
-    for (int y = 0; y <= halfHeight; ++y) {
-        const float dy = float(y) - centre.y;
+    for (int y = 0; y <= halfHeight; ++y)
         for (int x = 0; x <= halfWidth; ++x) {
-            const float dx = float(x) - centre.x;
+            const float dx = float(x) - centre.x, dy = float(y) - centre.y;
             const float pull = size / (dx * dx + dy * dy + 1.0f);
             field[y][x] += pull * pull * pull;
         }
-    }
 }
 
 // For a ball alone the field becomes the square of the distance from its middle, 1 at its skin.
 void makeField(float seconds) {
     for (auto& row : field)
-        for (float& place : row)
-            place = 0.001f;
+        std::fill_n(row, halfWidth + 1, 0.001f);
     for (int ball = 0; ball < ballCount; ++ball)
         addBall(placeBall(ball, seconds), 330.0f + 110.0f * Maths_Hash(ball));
     for (auto& row : field)
@@ -72,11 +60,8 @@ void makeField(float seconds) {
 }
 
 float fieldAt(int x, int y) {
-    const float across = 0.5f * float(x & 1), down = 0.5f * float(y & 1);
-    const float* upper = &field[y / 2][x / 2];
-    const float* lower = &field[y / 2 + 1][x / 2];
-    return Maths_Mix(Maths_Mix(upper[0], upper[1], across), Maths_Mix(lower[0], lower[1], across),
-                     down);
+    return Maths_Between(&field[y / 2][x / 2], &field[y / 2 + 1][x / 2], 0.5f * float(x & 1),
+                         0.5f * float(y & 1));
 }
 
 // The slope of the field is the way the skin looks.
@@ -92,41 +77,34 @@ Colour shadeGrape(int x, int y, float level) {
     return Colour_Mix(Colour_Ramp(skin, 0.08f + 0.66f * light + rim + bloom), 0xFFF4F8, spark);
 }
 
-void drawStalk(Canvas& canvas) {
-    Canvas_Line(canvas, {256, 92}, {262, 36}, 7.0f, 0x5C4420);
-    Canvas_Line(canvas, {214, 38}, {312, 34}, 8.0f, 0x4C3818);
-    constexpr Point leaf[] = {{300, 40}, {322, 26}, {330, 38}, {356, 30},  {360, 48}, {388, 58},
-                              {364, 70}, {366, 92}, {342, 84}, {326, 104}, {316, 80}, {294, 78}};
-    Canvas_PaintPolygon(leaf, 12, [&](int x, int y, float share) {
-        const float vein = std::fabs(float(y) - 40.0f - 0.42f * (float(x) - 300.0f));
-        const float light = 0.55f + 0.3f * Maths_Noise(float(x) / 15.0f, float(y) / 15.0f);
-        const Colour green = Colour_Scale(vein < 1.2f ? 0xC8D078 : 0x6C9C30, light);
-        Canvas_Blend(canvas, x, y, green, share);
-    });
-}
-
 Colour shade(int x, int y) {
-    const float level = fieldAt(x, y);
-    const float inside = Maths_Smooth(1.02f, 0.95f, level);
+    const float level = fieldAt(x, y), inside = Maths_Smooth(1.02f, 0.95f, level);
     const float shadow = Maths_Smooth(1.9f, 0.8f, fieldAt(std::max(x - 8, 0), std::max(y - 10, 0)));
-    const Colour paper = Colour_Scale(label[y][x], 1.0f - 0.42f * shadow);
+    const Colour paper = Colour_Scale(label.pixels[y][x], 1.0f - 0.42f * shadow);
     return inside > 0.0f ? Colour_Mix(paper, shadeGrape(x, y, level), inside) : paper;
 }
 
-void drawName(Canvas& canvas) {
-    const int left = Letters_Centred(name), top = 288;
-    Letters_Colour(canvas, above, Letters_Centred(above), 270, 0x6C5020);
-    Letters_Colour(canvas, name, left + 1, top + 2, 0xC8A860);
-    Letters_Colour(canvas, name, left, top, 0x580C30);
+void drawStalk(Canvas& canvas) {
+    constexpr Point leaf[] = {{300, 40}, {322, 26}, {330, 38}, {356, 30},  {360, 48}, {388, 58},
+                              {364, 70}, {366, 92}, {342, 84}, {326, 104}, {316, 80}, {294, 78}};
+    Canvas_Line(canvas, {256, 92}, {262, 36}, 7.0f, 0x5C4420);
+    Canvas_Line(canvas, {214, 38}, {312, 34}, 8.0f, 0x4C3818);
+    Canvas_PaintPolygon(canvas, leaf, [](float x, float y) {
+        const float vein = std::fabs(y - 40.0f - 0.42f * (x - 300.0f));
+        const float light = 0.55f + 0.3f * Maths_Noise(x / 15.0f, y / 15.0f);
+        return Colour_Scale(vein < 1.2f ? 0xC8D078 : 0x6C9C30, light);
+    });
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    if (label[0][0] == 0)
-        makeLabel();
+    if (label.pixels[0][0] == 0)
+        Canvas_Fill(label, shadeLabel);
     makeField(seconds);
-    Canvas_Fill(canvas, shade);
+    Canvas_Fill(canvas, [](float x, float y) { return shade(int(x), int(y)); });
     drawStalk(canvas);
-    drawName(canvas);
+    Letters_Colour(canvas, above, Letters_Centred(above), 270, 0x6C5020);
+    Letters_Colour(canvas, name, Letters_Centred(name) + 1, 290, 0xC8A860);
+    Letters_Colour(canvas, name, Letters_Centred(name), 288, 0x580C30);
 }

@@ -1,6 +1,5 @@
-// Grains of sand that the wind makes into a ball, a ring and a lark.
+// Grains of sand that the wind makes into a ball, a lark and a ring.
 
-#include "letters.h"
 #include "space.h"
 #include "stage.h"
 
@@ -9,7 +8,6 @@ const char Intro_Title[] = "Ostrik Intro 9 M1 Sandlark";
 namespace {
 
 constexpr int grainCount = 4200;
-constexpr int shapeCount = 3;
 constexpr float secondsEach = 5.0f;
 constexpr float golden = 0.6180340f;
 
@@ -29,23 +27,22 @@ Vector onRing(int grain) {
 
 // Half of the grains are body, head and tail, the others are the beating wings.
 Vector onLark(int grain, float seconds) {
-    const float u = Maths_Hash(grain, 11), v = Maths_Hash(grain, 12),
-                side = grain & 2 ? 1.0f : -1.0f;
+    const float u = Maths_Hash(grain, 11), v = Maths_Hash(grain, 12);
+    const float side = grain & 2 ? 1.0f : -1.0f;
     if (grain & 1) {
         const float span = std::sqrt(u) * 1.45f, beat = Maths_Sin(1.4f * seconds - 0.12f * span);
-        const float sweep = 0.42f * (1.0f - span / 1.7f);
-        return {0.1f - 0.2f * span + (v - 0.5f) * 2.0f * sweep, -0.05f - 0.55f * beat * span,
-                side * (span + 0.08f)};
+        const float sweep = 0.84f * (1.0f - span / 1.7f) * (v - 0.5f);
+        return {0.1f - 0.2f * span + sweep, -0.05f - 0.55f * beat * span, side * (span + 0.08f)};
     }
     const float along = u * 2.3f - 1.2f;
-    const float fat = along > 0.55f ? 0.23f * std::sqrt(std::fmax(1.15f - along, 0.0f) * 1.6f)
+    const float fat = along > 0.55f ? 0.29f * std::sqrt(std::fmax(1.15f - along, 0.0f))
                                     : 0.32f * Maths_Smooth(-1.1f, 0.3f, along) + 0.03f;
     const float fan = along < -0.6f ? 0.5f * (-0.6f - along) : 0.0f;
     return {along, fat * Maths_Sin(v) - 0.10f * along, fat * Maths_Cos(v) + side * fan * v};
 }
 
 Vector onShape(int shape, int grain, float seconds) {
-    switch (shape % shapeCount) {
+    switch (shape % 3) {
     case 0: return onBall(grain);
     case 1: return onLark(grain, seconds);
     default: return onRing(grain);
@@ -54,59 +51,48 @@ Vector onShape(int shape, int grain, float seconds) {
 
 // On the way from one shape to the next each grain takes its own time and is blown aside.
 Vector placeGrain(int grain, float seconds) {
-    const float place = seconds / secondsEach + 0.45f;
-    const int shape = int(place);
-    const float start = 0.55f + 0.22f * Maths_Hash(grain, 21);
+    const float place = seconds / secondsEach + 0.45f,
+                start = 0.55f + 0.22f * Maths_Hash(grain, 21);
     const float share = Maths_Smooth(start, start + 0.22f, Maths_Fract(place));
-    const Vector from = onShape(shape, grain, seconds), to = onShape(shape + 1, grain, seconds);
+    const Vector from = onShape(int(place), grain, seconds),
+                 to = onShape(int(place) + 1, grain, seconds);
     const float gust = 4.0f * share * (1.0f - share) * Maths_Hash(grain, 22);
     return from * (1.0f - share) + to * share + Vector{0.9f * gust, -0.3f * gust, 0.4f * gust};
 }
 
-void drawDesert(Canvas& canvas, float seconds) {
-    Canvas_Fill(canvas, [=](int x, int y) {
-        const float dune = 292.0f + 18.0f * Maths_Sin(float(x) / 420.0f + 0.15f) +
-                           7.0f * Maths_Sin(float(x) / 150.0f);
-        const float down = float(y) - dune;
-        if (down < 0.0f)
-            return Colour_Mix(0x78A8C0, 0xFCE8C4, float(y) / 300.0f);
-        const float rib =
-            Maths_Sin(float(y) / 9.0f + 0.8f * Maths_Noise(float(x) / 50.0f, down / 20.0f) +
-                      float(x) / 160.0f - 0.05f * seconds);
-        const float light = 0.86f + 0.05f * rib + 0.05f * Maths_Hash(x, y);
-        return Colour_Scale(Colour_Mix(0xF4D498, 0xC88848, down / 110.0f), light);
-    });
+Colour shadeDesert(float x, float y, float seconds) {
+    const float down =
+        y - 292.0f - 18.0f * Maths_Sin(x / 420.0f + 0.15f) - 7.0f * Maths_Sin(x / 150.0f);
+    if (down < 0.0f)
+        return Colour_Mix(0x78A8C0, 0xFCE8C4, y / 300.0f);
+    const float rib = y / 9.0f + 0.8f * Maths_Noise(x / 50.0f, down / 20.0f) + x / 160.0f;
+    const float grit = 0.05f * Maths_Hash(int(x), int(y));
+    return Colour_Scale(Colour_Mix(0xF4D498, 0xC88848, down / 110.0f),
+                        0.86f + 0.05f * Maths_Sin(rib - 0.05f * seconds) + grit);
 }
 
 void drawGrain(Canvas& canvas, int grain, float seconds) {
     const Vector turns = {0.03f * Maths_Sin(0.11f * seconds), 0.06f * seconds + 0.4f,
                           0.03f * Maths_Sin(0.09f * seconds)};
     const Vector turned = Space_Rotate(placeGrain(grain, seconds), turns);
-    const Point shadow = {Canvas_CentreX + 120.0f * turned.x, 330.0f - 26.0f * turned.z};
-    Canvas_Blend(canvas, int(shadow.x), int(shadow.y), 0x603010, 0.16f);
+    Canvas_Blend(canvas, int(256.0f + 120.0f * turned.x), int(330.0f - 26.0f * turned.z), 0x603010,
+                 0.16f);
     const Point point = Space_Project(turned + Vector{0.0f, -0.28f, 3.4f}, 400.0f);
     const float nearness = Maths_Clamp(0.5f - 0.45f * turned.z);
     const Colour tint = Colour_Mix(0xC89058, 0x401808, nearness);
-    const int x = int(point.x), y = int(point.y);
-    Canvas_Blend(canvas, x, y, tint, 0.35f + 0.65f * nearness);
-    Canvas_Blend(canvas, x + 1, y, tint, 0.8f * nearness);
-    Canvas_Blend(canvas, x, y + 1, tint, 0.5f * nearness);
-}
-
-void drawName(Canvas& canvas, float seconds) {
-    const int left = Letters_Centred(name), top = 292;
-    Letters_Colour(canvas, name, left + 2, top + 2, 0xFFF0C8);
-    Letters_Paint(canvas, name, left, top, [=](int x, int y) {
-        const float grit = Maths_Hash(x, y + int(seconds * 8.0f) / 8);
-        return Colour_Mix(0x502008, 0x985020, 0.6f * grit + float(y) / 200.0f);
-    });
+    Canvas_Blend(canvas, int(point.x), int(point.y), tint, 0.35f + 0.65f * nearness);
+    Canvas_Blend(canvas, int(point.x) + 1, int(point.y), tint, 0.8f * nearness);
+    Canvas_Blend(canvas, int(point.x), int(point.y) + 1, tint, 0.5f * nearness);
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    drawDesert(canvas, seconds);
-    drawName(canvas, seconds);
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeDesert(x, y, seconds); });
+    Letters_Colour(canvas, name, Letters_Centred(name) + 2, 294, 0xFFF0C8);
+    Letters_Paint(canvas, name, Letters_Centred(name), 292, [](float x, float y) {
+        return Colour_Mix(0x502008, 0x985020, 0.6f * Maths_Hash(int(x), int(y)) + y / 200.0f);
+    });
     for (int grain = 0; grain < grainCount; ++grain)
         drawGrain(canvas, grain, seconds);
 }

@@ -1,6 +1,5 @@
 // A lamp of salt: a clear crystal turns around its own light, every face lets the others through.
 
-#include "letters.h"
 #include "space.h"
 #include "stage.h"
 
@@ -8,18 +7,16 @@ const char Intro_Title[] = "Ostrik Intro 9 M6 Salt Lantern";
 
 namespace {
 
-constexpr int faceCount = 4 * Space_BallFaces;
-constexpr float lens = 520.0f;
+constexpr int facetCount = 4 * Space_BallFaces;
 constexpr Colour salt[] = {0xFF5828, 0xFF8048, 0xFFA070, 0xFF6848, 0xFFC090};
 
-const Lettering name = Letters_Make("Salt Lantern", Face::Serif, 64);
-const Lettering nameShine = Letters_Soften(name, 16);
+const Title name = Letters_MakeTitle("Salt Lantern", Face::Serif, 64);
 
 struct Facet {
     Vector corners[3];
 };
 
-Facet facets[faceCount];
+Facet facets[facetCount];
 
 // A ball with its faces cut in four, then knocked about and drawn out to a point.
 Vector roughen(Vector corner) {
@@ -43,60 +40,38 @@ void cutFacets() {
     }
 }
 
-void drawRoom(Canvas& canvas, float flicker) {
-    Canvas_Fill(canvas, [=](int x, int y) {
-        const float dx = float(x) - Canvas_CentreX, dy = float(y) - 165.0f;
-        const float away = std::sqrt(dx * dx + dy * dy);
-        const float glow = flicker * 90.0f / (60.0f + away) - 0.16f;
-        const float wood = Maths_Noise(float(x) / 90.0f, float(y) / 2.5f);
-        if (y < 300)
-            return Colour_Make(0.04f + 0.55f * glow, 0.05f + 0.20f * glow, 0.11f + 0.12f * glow);
-        const float pool = Maths_Clamp(1.0f - std::fabs(dx) / 250.0f) * flicker;
-        const float light = (0.5f + 0.5f * wood) * (0.12f + 0.5f * pool * pool);
-        return Colour_Make(light * 1.25f, light * 0.62f, light * 0.38f);
-    });
+Colour shadeRoom(float x, float y, float flicker) {
+    const float dx = x - Canvas_CentreX, dy = y - 165.0f;
+    if (y < 300.0f) {
+        const float glow = flicker * 90.0f / (60.0f + std::sqrt(dx * dx + dy * dy)) - 0.16f;
+        return Colour_Make(0.04f + 0.55f * glow, 0.05f + 0.20f * glow, 0.11f + 0.12f * glow);
+    }
+    const float pool = Maths_Clamp(1.0f - std::fabs(dx) / 250.0f) * flicker;
+    const float wood = 0.5f + 0.5f * Maths_Noise(x / 90.0f, y / 2.5f);
+    const float light = wood * (0.12f + 0.5f * pool * pool);
+    return Colour_Make(light * 1.25f, light * 0.62f, light * 0.38f);
 }
 
+// Light is added, so that faces behind shine through; only the front ones have edges.
 void drawFacet(Canvas& canvas, int number, Vector turns, float flicker) {
     Vector placed[3];
     Point corners[3];
     for (int corner = 0; corner < 3; ++corner) {
         placed[corner] = Space_Rotate(facets[number].corners[corner], turns);
-        corners[corner] = Space_Project(placed[corner] + Vector{0.0f, -0.22f, 4.6f}, lens);
+        corners[corner] = Space_Project(placed[corner] + Vector{0.0f, -0.22f, 4.6f}, 520.0f);
     }
     const Vector normal = Space_FaceNormal(placed[0], placed[1], placed[2]);
     const bool isFront = normal.z * Space_Dot(normal, placed[0]) < 0.0f;
     const float edgeOn = 1.0f - std::fabs(normal.z);
-    const float light = (isFront ? 0.20f : 0.28f) + 0.26f * edgeOn * edgeOn;
-    const Colour tint = salt[number % 5];
-    Canvas_PaintPolygon(corners, 3, [&](int x, int y, float share) {
+    const float light = ((isFront ? 0.20f : 0.28f) + 0.26f * edgeOn * edgeOn) * flicker;
+    Canvas_ForPolygon(corners, 3, [&](int x, int y, float share) {
         const float dx = float(x) - 256.0f, dy = float(y) - 180.0f;
         const float lamp = 0.55f + 0.75f * Maths_Clamp(1.0f - (dx * dx + dy * dy) / 17000.0f);
         const float grain = 0.85f + 0.3f * Maths_Hash(x / 2 + number * 7, y / 2);
-        Canvas_Add(canvas, x, y, Colour_Scale(tint, share * light * lamp * flicker * grain));
+        Canvas_Add(canvas, x, y, Colour_Scale(salt[number % 5], share * light * lamp * grain));
     });
-    if (isFront)
-        for (int corner = 0; corner < 3; ++corner)
-            Canvas_Line(canvas, corners[corner], corners[(corner + 1) % 3], 1.0f, 0xFFC8A0);
-}
-
-void drawFoot(Canvas& canvas) {
-    constexpr Point foot[] = {{172, 296}, {340, 296}, {352, 312},
-                              {346, 322}, {166, 322}, {160, 312}};
-    Canvas_PaintPolygon(foot, 6, [&](int x, int y, float share) {
-        const float shine = Maths_Clamp(1.0f - std::fabs(float(x) - 256.0f) / 120.0f);
-        const float light = 0.10f + 0.5f * shine * Maths_Smooth(322.0f, 296.0f, float(y));
-        Canvas_Blend(canvas, x, y, Colour_Make(light * 1.2f, light * 0.6f, light * 0.3f), share);
-    });
-}
-
-void drawName(Canvas& canvas, float flicker) {
-    const int left = Letters_Centred(name), top = 322;
-    Letters_Shine(canvas, nameShine, left - 16, top - 16, Colour_Scale(0xD05020, flicker));
-    Letters_Paint(canvas, name, left, top, [](int x, int y) {
-        const float grain = Maths_Hash(x / 2, y / 2);
-        return Colour_Mix(0xFFFAF4, 0xFFC0A0, 0.7f * grain * float(y) / 50.0f);
-    });
+    for (int corner = 0; isFront && corner < 3; ++corner)
+        Canvas_Line(canvas, corners[corner], corners[(corner + 1) % 3], 1.0f, 0xFFC8A0);
 }
 
 } // namespace
@@ -106,10 +81,17 @@ void Intro_Draw(Canvas& canvas, float seconds) {
         cutFacets();
     const float flicker = 0.86f + 0.14f * Maths_Noise(2.2f * seconds, 0.0f);
     const Vector turns = {0.015f * Maths_Sin(0.08f * seconds), 0.055f * seconds, 0.02f};
-    drawRoom(canvas, flicker);
-    for (int number = 0; number < faceCount; ++number)
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeRoom(x, y, flicker); });
+    for (int number = 0; number < facetCount; ++number)
         drawFacet(canvas, number, turns, flicker);
     Canvas_Glow(canvas, {256.0f, 180.0f}, 90.0f, Colour_Scale(0xFFB060, 0.6f * flicker));
-    drawFoot(canvas);
-    drawName(canvas, flicker);
+    constexpr Point foot[] = {{172, 296}, {340, 296}, {352, 312},
+                              {346, 322}, {166, 322}, {160, 312}};
+    Canvas_PaintPolygon(canvas, foot, [](float x, float y) {
+        const float shine = Maths_Clamp(1.0f - std::fabs(x - 256.0f) / 120.0f);
+        return Colour_Mix(0x201008, 0xB85C30, shine * Maths_Smooth(322.0f, 296.0f, y));
+    });
+    Letters_PaintTitle(canvas, name, 322, Colour_Scale(0x802808, flicker), [](float x, float y) {
+        return Colour_Mix(0xFFFAF4, 0xFFC0A0, 0.014f * y * Maths_Hash(int(x) / 2, int(y) / 2));
+    });
 }

@@ -1,6 +1,5 @@
 // Finches over the dunes at dusk; the air keeps the way they flew as ribbons.
 
-#include "letters.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Ostrik Intro 9 M7 Dunefinch";
@@ -13,8 +12,7 @@ constexpr float partSeconds = 0.022f;
 constexpr Colour ribbons[] = {0xFFD040, 0xFF4858, 0x40D0C0, 0xC870FF};
 constexpr Colour sky[] = {0x28103C, 0x601848, 0xA82C48, 0xE85C38, 0xFFA848};
 
-const Lettering name = Letters_Make("Dunefinch", Face::Serif, 80, Slant::Italic);
-const Lettering nameShadow = Letters_Soften(name, 10);
+const Title name = Letters_MakeTitle("Dunefinch", Face::Serif, 80, Slant::Italic);
 
 // Two swings of different pace, one across and one up and down.
 Point flyTo(int finch, float seconds) {
@@ -25,21 +23,18 @@ Point flyTo(int finch, float seconds) {
                 14.0f * Maths_Sin(0.5f * seconds + phase)};
 }
 
-void drawSky(Canvas& canvas) {
-    Canvas_Fill(canvas, [](int x, int y) {
-        const float dx = float(x) - 150.0f, dy = float(y) - 236.0f;
-        const float away = std::sqrt(dx * dx + dy * dy);
-        const Colour dusk = Colour_Ramp(sky, float(y) / 270.0f);
-        const Colour lit = Colour_Add(dusk, Colour_Scale(0xFF9040, 22.0f / (away + 14.0f) - 0.08f));
-        return Colour_Mix(lit, 0xFFF0B0, Maths_Clamp(46.0f - away));
-    });
+Colour shadeSky(float x, float y) {
+    const float dx = x - 150.0f, dy = y - 236.0f, away = std::sqrt(dx * dx + dy * dy);
+    const Colour glow = Colour_Scale(0xFF9040, 22.0f / (away + 14.0f) - 0.08f);
+    return Colour_Mix(Colour_Add(Colour_Ramp(sky, y / 270.0f), glow), 0xFFF0B0, 46.0f - away);
 }
 
+// Sharp ridges, round valleys.
 float duneTop(int dune, float x, float seconds) {
-    const float shift = x + 5.0f * float(dune + 1) * seconds + 210.0f * float(dune);
-    const float wave = Maths_Sin(shift / (560.0f - 70.0f * float(dune)));
-    const float crest = 1.0f - std::fabs(wave); // sharp ridges, round valleys
-    return 292.0f + 30.0f * float(dune) - (34.0f - 4.0f * float(dune)) * crest * crest -
+    const float number = float(dune),
+                shift = x + 5.0f * (number + 1.0f) * seconds + 210.0f * number;
+    const float crest = 1.0f - std::fabs(Maths_Sin(shift / (560.0f - 70.0f * number)));
+    return 292.0f + 30.0f * number - (34.0f - 4.0f * number) * crest * crest -
            6.0f * Maths_Sin(shift / 170.0f);
 }
 
@@ -67,46 +62,40 @@ void drawDune(Canvas& canvas, int dune, float seconds) {
 // part reaches a little into the next, so that no seam is seen.
 void drawRibbon(Canvas& canvas, int finch, float seconds) {
     for (int part = ribbonParts; part > 0; --part) {
-        const float age = float(part) / float(ribbonParts);
-        const float moment = seconds - float(part) * partSeconds;
+        const float age = float(part) / float(ribbonParts),
+                    moment = seconds - float(part) * partSeconds;
         const Point from = flyTo(finch, moment), to = flyTo(finch, moment + 1.3f * partSeconds);
         const float twist = Maths_Sin(0.8f * moment + 0.3f * float(finch));
         const float width = (14.0f * std::fabs(twist) + 0.8f) * (1.0f - age * age);
-        const Point outline[] = {{from.x, from.y - width},
-                                 {to.x, to.y - width},
-                                 {to.x, to.y + width},
-                                 {from.x, from.y + width}};
-        const float light = twist > 0.0f ? 0.75f + 0.25f * twist : 0.55f;
         const Colour silk = Colour_Mix(ribbons[finch], 0x902840, 0.7f * age);
-        Canvas_Polygon(canvas, outline, 4, Colour_Scale(silk, light));
+        Canvas_Polygon(canvas,
+                       {{from.x, from.y - width},
+                        {to.x, to.y - width},
+                        {to.x, to.y + width},
+                        {from.x, from.y + width}},
+                       Colour_Scale(silk, twist > 0.0f ? 0.75f + 0.25f * twist : 0.55f));
     }
 }
 
 void drawFinch(Canvas& canvas, int finch, float seconds) {
-    const Point at = flyTo(finch, seconds), ahead = flyTo(finch, seconds + 0.05f);
-    const float side = ahead.x > at.x ? 1.0f : -1.0f;
+    const Point at = flyTo(finch, seconds);
+    const float side = flyTo(finch, seconds + 0.05f).x > at.x ? 1.0f : -1.0f;
     const float beat = Maths_Sin(3.2f * seconds + 0.27f * float(finch));
     const auto place = [=](float x, float y) { return Point{at.x + side * x, at.y + y}; };
-    const Point body[] = {place(17, -2), place(11, -7), place(4, -7), place(-9, -1), place(-22, 2),
-                          place(-20, 5), place(-7, 6),  place(6, 6),  place(12, 2)};
-    const Point wing[] = {place(6, -4), place(-4, -6.0f - 20.0f * beat),
-                          place(-12, -4.0f - 17.0f * beat), place(-7, 1)};
-    Canvas_Polygon(canvas, body, 9, 0x200C18);
-    Canvas_Polygon(canvas, wing, 4, 0x401828);
-}
-
-void drawName(Canvas& canvas) {
-    const int left = Letters_Centred(name), top = 296;
-    for (int twice = 0; twice < 2; ++twice)
-        Letters_Colour(canvas, nameShadow, left - 8, top - 8, 0x1C0820);
-    Letters_Paint(canvas, name, left, top,
-                  [](int, int y) { return Colour_Mix(0xFFF4D0, 0xFF8040, float(y - 10) / 62.0f); });
+    Canvas_Polygon(canvas,
+                   {place(17, -2), place(11, -7), place(4, -7), place(-9, -1), place(-22, 2),
+                    place(-20, 5), place(-7, 6), place(6, 6), place(12, 2)},
+                   0x200C18);
+    Canvas_Polygon(canvas,
+                   {place(6, -4), place(-4, -6.0f - 20.0f * beat), place(-12, -4.0f - 17.0f * beat),
+                    place(-7, 1)},
+                   0x401828);
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    drawSky(canvas);
+    Canvas_Fill(canvas, shadeSky);
     for (int dune = 0; dune < 2; ++dune)
         drawDune(canvas, dune, seconds);
     for (int finch = 0; finch < finchCount; ++finch)
@@ -115,5 +104,7 @@ void Intro_Draw(Canvas& canvas, float seconds) {
         drawDune(canvas, dune, seconds);
     for (int finch = 0; finch < finchCount; ++finch)
         drawFinch(canvas, finch, seconds);
-    drawName(canvas);
+    Letters_PaintTitle(canvas, name, 296, 0x1C0820, [](float, float y) {
+        return Colour_Mix(0xFFF4D0, 0xFF8040, (y - 10.0f) / 62.0f);
+    });
 }

@@ -1,39 +1,37 @@
-// Down a shaft through amber: bubbles and old leaves pass by, and honey light lies at its end.
+// Down a shaft through amber: bubbles and old bark pass by, and honey light lies at its end.
 
-#include "letters.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Ostrik Intro 10 Amber";
 
 namespace {
 
-constexpr int resinSize = 256;
+constexpr int resinSize = 256, mask = resinSize - 1;
 constexpr Colour honey[] = {0x1C0802, 0x4C1804, 0x943C06, 0xD87810, 0xFFB830, 0xFFE88C};
 
-const Lettering name = Letters_Make("AMBER", Face::Serif, 118, Slant::Upright, 1.08f);
-const Lettering nameShadow = Letters_Soften(name, 14);
+const Title name = Letters_MakeTitle("AMBER", Face::Serif, 118, Slant::Upright, 1.08f);
 
 float resin[resinSize][resinSize]; // how light the wall is; it goes on without a seam
 float depths[2 * Canvas_Height][2 * Canvas_Width], turns[2 * Canvas_Height][2 * Canvas_Width];
 
 // Clouds that meet themselves at the border: two of them, one faded into the other.
 float seamless(float x, float y) {
-    const float size = float(resinSize), share = Maths_Smooth(0.6f, 1.0f, x / size);
-    const float shareY = Maths_Smooth(0.6f, 1.0f, y / size);
+    constexpr float size = resinSize;
     const auto cloud = [](float u, float v) { return Maths_Clouds(u / 40.0f, v / 40.0f, 5); };
-    return Maths_Mix(Maths_Mix(cloud(x, y), cloud(x - size, y), share),
-                     Maths_Mix(cloud(x, y - size), cloud(x - size, y - size), share), shareY);
+    const float upper[] = {cloud(x, y), cloud(x - size, y)};
+    const float lower[] = {cloud(x, y - size), cloud(x - size, y - size)};
+    return Maths_Between(upper, lower, Maths_Smooth(0.6f * size, size, x),
+                         Maths_Smooth(0.6f * size, size, y));
 }
 
 // A bubble lights up at one side, a grain of bark is dark.
 void enclose(int number) {
-    const int centreX = int(256.0f * Maths_Hash(number, 1)),
-              centreY = int(256.0f * Maths_Hash(number, 2));
+    const int left = int(256.0f * Maths_Hash(number, 1)), top = int(256.0f * Maths_Hash(number, 2));
     const int reach = 3 + int(11.0f * Maths_Hash(number, 3) * Maths_Hash(number, 4));
     for (int dy = -reach; dy <= reach; ++dy)
         for (int dx = -reach; dx <= reach; ++dx) {
             const float away = std::sqrt(float(dx * dx + dy * dy)) / float(reach);
-            float& place = resin[(centreY + dy) & 255][(centreX + dx) & 255];
+            float& place = resin[(top + dy) & mask][(left + dx) & mask];
             if (number % 3 == 0)
                 place -= 0.45f * Maths_Smooth(1.0f, 0.5f, away + 0.3f * Maths_Hash(dx, dy));
             else if (away < 1.0f)
@@ -65,37 +63,21 @@ void makeTables() {
         }
 }
 
-// Between the four nearest points of the wall.
 float readResin(float around, float along) {
     const float left = Maths_Floor(around), top = Maths_Floor(along);
-    const int column = int(left), row = int(top), next = row + 1;
-    const float right = around - left;
-    return Maths_Mix(
-        Maths_Mix(resin[row & 255][column & 255], resin[row & 255][(column + 1) & 255], right),
-        Maths_Mix(resin[next & 255][column & 255], resin[next & 255][(column + 1) & 255], right),
-        along - top);
+    const int column = int(left) & mask, next = (column + 1) & mask;
+    const float* one = resin[int(top) & mask];
+    const float* other = resin[(int(top) + 1) & mask];
+    const float upper[] = {one[column], one[next]}, lower[] = {other[column], other[next]};
+    return Maths_Between(upper, lower, around - left, along - top);
 }
 
 Colour shadeShaft(float depth, float turn, float seconds) {
     const float along = depth + 75.0f * seconds;
     const float around = turn + 26.0f * Maths_Sin(0.05f * seconds + depth / 1400.0f);
-    const float ring = 0.10f * Maths_Sin(along / 128.0f);
-    const float ahead = Maths_Smooth(120.0f, 900.0f, depth);
-    const float light =
-        (readResin(around, along) + ring) * Maths_Clamp(0.55f + depth / 260.0f) + 0.9f * ahead;
-    return Colour_Ramp(honey, light);
-}
-
-void drawName(Canvas& canvas, float seconds) {
-    const int left = Letters_Centred(name), top = 132;
-    for (int twice = 0; twice < 2; ++twice)
-        Letters_Colour(canvas, nameShadow, left - 11, top - 9, 0x200800);
-    Letters_Colour(canvas, name, left - 2, top - 2, 0xFFF4C0);
-    Letters_Paint(canvas, name, left, top, [=](int x, int y) {
-        const float inner = resin[(y * 2 + int(9.0f * seconds)) & 255][(x * 2) & 255];
-        const float gloss = 0.35f * Maths_Smooth(58.0f, 26.0f, float(y));
-        return Colour_Ramp(honey, 0.32f + 0.55f * inner + gloss);
-    });
+    const float wall = readResin(around, along) + 0.10f * Maths_Sin(along / 128.0f);
+    return Colour_Ramp(honey, wall * Maths_Clamp(0.55f + depth / 260.0f) +
+                                  0.9f * Maths_Smooth(120.0f, 900.0f, depth));
 }
 
 } // namespace
@@ -105,10 +87,15 @@ void Intro_Draw(Canvas& canvas, float seconds) {
         makeResin();
         makeTables();
     }
-    const int shiftX = 256 + int(110.0f * Maths_Sin(0.071f * seconds));
-    const int shiftY = 192 + int(80.0f * Maths_Sin(0.097f * seconds));
-    Canvas_Fill(canvas, [=](int x, int y) {
-        return shadeShaft(depths[y + shiftY][x + shiftX], turns[y + shiftY][x + shiftX], seconds);
+    const int left = 256 + int(110.0f * Maths_Sin(0.071f * seconds));
+    const int top = 192 + int(80.0f * Maths_Sin(0.097f * seconds));
+    Canvas_Fill(canvas, [=](float x, float y) {
+        const int row = top + int(y), column = left + int(x);
+        return shadeShaft(depths[row][column], turns[row][column], seconds);
     });
-    drawName(canvas, seconds);
+    Letters_Colour(canvas, name.words, Letters_Centred(name.words) - 2, 130, 0xFFF4C0);
+    Letters_PaintTitle(canvas, name, 132, 0x200800, [=](float x, float y) {
+        const float inner = readResin(2.0f * x, 2.0f * y + 9.0f * seconds);
+        return Colour_Ramp(honey, 0.32f + 0.55f * inner + 0.35f * Maths_Smooth(58.0f, 26.0f, y));
+    });
 }

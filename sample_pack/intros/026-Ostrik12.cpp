@@ -1,7 +1,6 @@
 // A harbour at night: windows, a lighthouse that turns, a boat that waits, and all of it once more
 // in the water.
 
-#include "letters.h"
 #include "stage.h"
 
 const char Intro_Title[] = "Ostrik Intro 12 Your Harbour";
@@ -10,114 +9,100 @@ namespace {
 
 constexpr int shore = 246; // above it the town, below it the town's image
 constexpr Point lamp = {424.0f, 92.0f};
-constexpr int houseCount = 17;
+constexpr int houseCount = 15, starCount = 110;
+constexpr Colour walls[] = {0x38284C, 0x2C3458, 0x402C40, 0x243850, 0x342448};
 
 const Lettering name = Letters_Make("Your Harbour", Face::Serif, 68, Slant::Italic);
 
-void drawSky(Canvas& canvas, float seconds) {
-    for (int y = 0; y < shore; ++y)
-        for (int x = 0; x < Canvas_Width; ++x) {
-            const float dx = float(x) - 86.0f, dy = float(y) - 74.0f;
-            const float away = std::sqrt(dx * dx + dy * dy);
-            const float cloud = Maths_Noise(float(x) / 130.0f + 0.06f * seconds, float(y) / 22.0f);
-            const Colour night = Colour_Mix(0x060A24, 0x2C3C78, float(y) / float(shore));
-            const Colour lit = Colour_Add(night, Colour_Scale(0x8098C8, 14.0f / (away + 20.0f)));
-            const Colour veil = Colour_Mix(lit, 0x485088, 0.35f * cloud * cloud);
-            const float moon = Maths_Clamp(25.0f - away);
-            const float seas = 0.86f + 0.14f * Maths_Noise(dx / 9.0f, dy / 9.0f);
-            canvas.pixels[y][x] = Colour_Mix(veil, Colour_Scale(0xFFF6DC, seas), moon);
-        }
-    for (int star = 0; star < 110; ++star) {
+Colour shadeSky(float x, float y, float seconds) {
+    const float dx = x - 86.0f, dy = y - 74.0f, away = std::sqrt(dx * dx + dy * dy);
+    const float cloud = Maths_Noise(x / 130.0f + 0.06f * seconds, y / 22.0f);
+    const Colour night = Colour_Mix(0x060A24, 0x2C3C78, y / float(shore));
+    const Colour lit = Colour_Add(night, Colour_Scale(0x8098C8, 14.0f / (away + 20.0f)));
+    const Colour moon = Colour_Scale(0xFFF6DC, 0.86f + 0.14f * Maths_Noise(dx / 9.0f, dy / 9.0f));
+    return Colour_Mix(Colour_Mix(lit, 0x485088, 0.35f * cloud * cloud), moon, 25.0f - away);
+}
+
+void drawStars(Canvas& canvas, float seconds) {
+    for (int star = 0; star < starCount; ++star) {
         const float twinkle = 0.5f + 0.5f * Maths_Sin(0.4f * seconds + Maths_Hash(star));
         Canvas_Add(canvas, int(512.0f * Maths_Hash(star, 1)), int(170.0f * Maths_Hash(star, 2)),
                    Colour_Scale(0xC0D0FF, twinkle * Maths_Hash(star, 3)));
     }
 }
 
-void drawHills(Canvas& canvas) {
-    for (int x = 0; x < Canvas_Width; ++x) {
-        const int top = 214 - int(58.0f * Maths_Clouds(float(x) / 110.0f, 3.0f, 4));
-        Canvas_Bar(canvas, x, top, 1, shore - top, 0x141C40);
-    }
-}
-
-void drawWindows(Canvas& canvas, int house, int left, int top, int width, float seconds) {
+void drawHouse(Canvas& canvas, int house, float seconds) {
+    const int left = 4 + 24 * house, width = 24 + int(9.0f * Maths_Hash(house, 1));
+    const int top = shore - 34 - int(52.0f * Maths_Hash(house, 2));
+    const float l = float(left), t = float(top), w = float(width);
+    const float ridge = 9.0f + 12.0f * Maths_Hash(house, 3);
+    Canvas_Bar(canvas, left, top, width, shore - top, walls[house % 5]);
+    Canvas_Polygon(canvas,
+                   {{l - 2.0f, t + 1.0f}, {l + 0.5f * w, t - ridge}, {l + w + 2.0f, t + 1.0f}},
+                   Colour_Scale(walls[(house + 2) % 5], 0.6f));
     for (int y = top + 6; y < shore - 8; y += 12)
         for (int x = left + 5; x < left + width - 6; x += 10) {
-            const float chance = Maths_Hash(x, y);
-            const bool isLit = Maths_Fract(chance + 0.013f * seconds) < 0.42f;
+            const bool isLit = Maths_Fract(Maths_Hash(x, y) + 0.013f * seconds) < 0.42f;
             const Colour glow = Colour_Mix(0xFFB040, 0xFFF0A0, Maths_Hash(y, house));
             Canvas_Bar(canvas, x, y, 5, 7, isLit ? glow : 0x181838);
         }
 }
 
-void drawHouse(Canvas& canvas, int house, float seconds) {
-    constexpr Colour walls[] = {0x38284C, 0x2C3458, 0x402C40, 0x243850, 0x342448};
-    const int left = 4 + 24 * house, width = 24 + int(9.0f * Maths_Hash(house, 1));
-    const int top = shore - 34 - int(52.0f * Maths_Hash(house, 2));
-    const float l = float(left), t = float(top), w = float(width);
-    const float ridge = 9.0f + 12.0f * Maths_Hash(house, 3);
-    const Point roof[] = {
-        {l - 2.0f, t + 1.0f}, {l + 0.5f * w, t - ridge}, {l + w + 2.0f, t + 1.0f}};
-    Canvas_Bar(canvas, left, top, width, shore - top, walls[house % 5]);
-    Canvas_Polygon(canvas, roof, 3, Colour_Scale(walls[(house + 2) % 5], 0.6f));
-    drawWindows(canvas, house, left, top, width, seconds);
+void drawTown(Canvas& canvas, float seconds) {
+    for (int x = 0; x < Canvas_Width; ++x) {
+        const int top = 214 - int(58.0f * Maths_Clouds(float(x) / 110.0f, 3.0f, 4));
+        Canvas_Bar(canvas, x, top, 1, shore - top, 0x141C40);
+    }
+    for (int house = 0; house < houseCount; ++house)
+        drawHouse(canvas, house, seconds);
+}
+
+void drawLighthouse(Canvas& canvas) {
+    Canvas_Polygon(canvas, {{376, 246}, {392, 228}, {416, 222}, {446, 226}, {470, 238}, {476, 246}},
+                   0x101428);
+    const Point tower[] = {{413, 104}, {435, 104}, {444, 224}, {404, 224}};
+    Canvas_PaintPolygon(canvas, tower, [](float x, float y) {
+        const float round = 0.72f - 0.45f * (x - lamp.x) / (3.0f + 0.075f * y);
+        return Colour_Scale(int(y - 104.0f) / 20 & 1 ? 0xD8D8E8 : 0xB03038, round);
+    });
+    Canvas_Bar(canvas, 409, 101, 31, 4, 0x202038);
+    Canvas_Bar(canvas, 414, 84, 21, 17, 0xFFE8A0);
+    Canvas_Polygon(canvas, {{410, 84}, {424, 70}, {438, 84}}, 0x802028);
 }
 
 // The beam swings round: towards the eye it is short and bright, across it is long.
 void drawBeam(Canvas& canvas, float turn) {
-    const float across = Maths_Cos(turn), towards = Maths_Sin(turn);
-    const float reach = 560.0f * across, half = 12.0f + 44.0f * std::fabs(across);
+    const float across = Maths_Cos(turn), reach = 560.0f * across;
+    const float half = 12.0f + 44.0f * std::fabs(across);
     const Point cone[] = {{lamp.x, lamp.y - 3.0f},
                           {lamp.x + reach, lamp.y - half - 12.0f},
                           {lamp.x + reach, lamp.y + half - 12.0f},
                           {lamp.x, lamp.y + 3.0f}};
-    Canvas_PaintPolygon(cone, 4, [&](int x, int y, float share) {
+    Canvas_ForPolygon(cone, 4, [&](int x, int y, float share) {
         const float away = std::fabs(float(x) - lamp.x) / 560.0f;
-        const float middle = std::fabs(float(y) - lamp.y + 12.0f * away) / (6.0f + 60.0f * away);
-        const float light = Maths_Clamp(1.0f - away) * Maths_Clamp(1.0f - middle);
-        Canvas_Add(canvas, x, y, Colour_Scale(0xFFF0B0, 0.75f * light * share));
+        const float off = std::fabs(float(y) - lamp.y + 12.0f * away) / (6.0f + 60.0f * away);
+        const float light = 0.75f * share * Maths_Clamp(1.0f - away) * Maths_Clamp(1.0f - off);
+        Canvas_Add(canvas, x, y, Colour_Scale(0xFFF0B0, light));
     });
-    Canvas_Glow(canvas, lamp, 26.0f + 60.0f * Maths_Clamp(towards), 0xFFF0C0);
-}
-
-void drawLighthouse(Canvas& canvas) {
-    constexpr Point rock[] = {{376, 246}, {392, 228}, {416, 222},
-                              {446, 226}, {470, 238}, {476, 246}};
-    Canvas_Polygon(canvas, rock, 6, 0x101428);
-    for (int band = 0; band < 6; ++band) {
-        const float upper = 104.0f + 20.0f * float(band), lower = upper + 20.0f;
-        const float wide = 11.0f + 1.5f * float(band);
-        const Point part[] = {{lamp.x - wide, upper},
-                              {lamp.x + wide, upper},
-                              {lamp.x + wide + 1.5f, lower},
-                              {lamp.x - wide - 1.5f, lower}};
-        Canvas_PaintPolygon(part, 4, [&](int x, int y, float share) {
-            const float round = 0.72f - 0.45f * (float(x) - lamp.x) / wide;
-            Canvas_Blend(canvas, x, y, Colour_Scale(band & 1 ? 0xD8D8E8 : 0xB03038, round), share);
-        });
-    }
-    constexpr Point roof[] = {{410, 84}, {424, 70}, {438, 84}};
-    Canvas_Bar(canvas, 409, 101, 31, 4, 0x202038);
-    Canvas_Bar(canvas, 414, 84, 21, 17, 0xFFE8A0);
-    Canvas_Polygon(canvas, roof, 3, 0x802028);
+    Canvas_Glow(canvas, lamp, 26.0f + 60.0f * Maths_Clamp(Maths_Sin(turn)), 0xFFF0C0);
 }
 
 // The image in the water: the town upside down, drawn apart by the waves, darker with depth.
 void drawWater(Canvas& canvas, float seconds) {
     for (int y = shore; y < Canvas_Height; ++y) {
         const float depth = float(y - shore);
-        const float wave = Maths_Sin(26.0f / (depth + 9.0f) * 3.0f + 0.55f * seconds);
-        const int source = shore - 1 - int(depth * 1.6f + wave * (1.0f + depth / 22.0f));
+        const float wave = Maths_Sin(78.0f / (depth + 9.0f) + 0.55f * seconds);
+        const int source =
+            std::max(shore - 1 - int(depth * 1.6f + wave * (1.0f + depth / 22.0f)), 0);
         for (int x = 0; x < Canvas_Width; ++x) {
             const float swell =
                 Maths_Noise(float(x) / (14.0f + depth / 3.0f), depth / 3.5f - 1.6f * seconds);
-            const int column = x + int((swell - 0.5f) * (4.0f + depth / 5.0f));
-            const bool isInside = Canvas_Holds(column, source);
-            const Colour seen = canvas.pixels[isInside ? source : 0][isInside ? column : x];
-            const Colour dark = Colour_Mix(Colour_Scale(seen, 0.72f), 0x040818, depth / 260.0f);
-            const float crest = Maths_Smooth(0.80f, 0.98f, swell) * 0.35f;
-            canvas.pixels[y][x] = Colour_Mix(dark, 0x7088C0, crest);
+            const int column =
+                (x + int((swell - 0.5f) * (4.0f + depth / 5.0f))) & (Canvas_Width - 1);
+            const Colour seen =
+                Colour_Scale(canvas.pixels[std::min(source, shore - 1)][column], 0.72f);
+            canvas.pixels[y][x] = Colour_Mix(Colour_Mix(seen, 0x040818, depth / 260.0f), 0x7088C0,
+                                             0.35f * Maths_Smooth(0.80f, 0.98f, swell));
         }
     }
 }
@@ -125,22 +110,20 @@ void drawWater(Canvas& canvas, float seconds) {
 void drawBoat(Canvas& canvas, float seconds) {
     const float roll = 0.012f * Maths_Sin(0.22f * seconds),
                 heave = 3.0f * Maths_Sin(0.17f * seconds);
-    const float cosine = Maths_Cos(roll), sine = Maths_Sin(roll);
     const auto at = [=](float x, float y) {
-        return Point{150.0f + x * cosine - y * sine, 318.0f + heave + x * sine + y * cosine};
+        return Point{150.0f + x * Maths_Cos(roll) - y * Maths_Sin(roll),
+                     318.0f + heave + x * Maths_Sin(roll) + y * Maths_Cos(roll)};
     };
-    const Point hull[] = {at(-84, -20), at(-66, 12), at(58, 12),
-                          at(92, -26),  at(40, -16), at(-40, -14)};
-    const Point cabin[] = {at(-34, -14), at(-30, -44), at(14, -44), at(20, -14)};
     Canvas_Line(canvas, at(30, -14), at(30, -118), 3.0f, 0x201820);
     Canvas_Line(canvas, at(30, -112), at(90, -26), 1.0f, 0x30283C);
     Canvas_Line(canvas, at(30, -112), at(-80, -22), 1.0f, 0x30283C);
-    Canvas_Polygon(canvas, cabin, 4, 0xC8C0B0);
-    Canvas_Polygon(canvas, hull, 6, 0x7C2430);
+    Canvas_Polygon(canvas, {at(-34, -14), at(-30, -44), at(14, -44), at(20, -14)}, 0xC8C0B0);
+    const Point hull[] = {at(-84, -20), at(-66, 12), at(58, 12),
+                          at(92, -26),  at(40, -16), at(-40, -14)};
+    Canvas_Polygon(canvas, hull, 0x7C2430);
     Canvas_Line(canvas, at(-82, -18), at(90, -24), 2.5f, 0xE8D8B0);
-    constexpr float windows[] = {-22.0f, -4.0f};
-    for (const float x : windows)
-        Canvas_Bar(canvas, int(at(x, -36).x), int(at(x, -36).y), 11, 11, 0xFFD060);
+    Canvas_Line(canvas, at(-22, -31), at(6, -31), 11.0f, 0xFFD060);
+    Canvas_Line(canvas, at(-9, -25), at(-9, -37), 5.0f, 0xC8C0B0);
     Canvas_Glow(canvas, at(-10, -30), 44.0f, 0x804810);
     Canvas_Glow(canvas, at(30, -116), 20.0f, 0xFF6040);
 }
@@ -148,15 +131,13 @@ void drawBoat(Canvas& canvas, float seconds) {
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
-    const float turn = 0.11f * seconds + 0.35f;
-    drawSky(canvas, seconds);
-    drawHills(canvas);
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeSky(x, y, seconds); });
+    drawStars(canvas, seconds);
     Letters_Colour(canvas, name, 122, 23, 0x080C24);
     Letters_Colour(canvas, name, 120, 20, 0xFFF0D0);
-    for (int house = 0; house < houseCount - 2; ++house)
-        drawHouse(canvas, house, seconds);
+    drawTown(canvas, seconds);
     drawLighthouse(canvas);
-    drawBeam(canvas, turn);
+    drawBeam(canvas, 0.11f * seconds + 0.35f);
     drawWater(canvas, seconds);
     drawBoat(canvas, seconds);
 }

@@ -1,10 +1,6 @@
 // A pillar of four sides, one letter to a side, that twists like wet cloth.
 
-#include "letters.h"
-#include "pixel_font.h"
 #include "stage.h"
-
-#include <algorithm>
 
 const char Intro_Title[] = "Ostrik Intro 14 Mopa";
 
@@ -18,20 +14,19 @@ const Lettering letters[] = {
     Letters_Make("M", Face::Sans, letterSize), Letters_Make("O", Face::Sans, letterSize),
     Letters_Make("P", Face::Sans, letterSize), Letters_Make("A", Face::Sans, letterSize)};
 
-// Sun rays in two tones of cream, turning slowly, under a net of dots.
+// Rays in two tones of cream, turning slowly, under a net of dots.
 Colour shadeGround(int x, int y, float turn) {
     const float dx = float(x) - Canvas_CentreX, dy = float(y) - Canvas_CentreY;
     const float radius = std::sqrt(dx * dx + dy * dy);
     const float angle = std::atan2(dy, dx) / Maths_Turn + turn + radius / 2600.0f;
     const float edge = std::fabs(Maths_Fract(angle * 12.0f) - 0.5f) - 0.25f;
-    const float ray = Maths_Smooth(-0.01f, 0.01f, edge * radius / 70.0f);
-    const Colour cream = Colour_Mix(0xFFF0D8, 0xFFC8B8, ray);
+    const Colour cream = Colour_Mix(0xFFF0D8, 0xFFC8B8, Maths_Smooth(-0.7f, 0.7f, edge * radius));
     const int dotX = (x + 6) % 12 - 6, dotY = (y + 6 * (x / 12 % 2)) % 12 - 6;
     const bool isDot = float(dotX * dotX + dotY * dotY) < radius * radius / 5200.0f;
     return isDot ? Colour_Mix(cream, 0xFF8090, 0.5f) : cream;
 }
 
-// The ground turns once in a long while: every third line is drawn anew in a picture.
+// The ground turns once in a long while: a third of its lines is drawn anew in a picture.
 void drawGround(Canvas& ground, float seconds) {
     static int line = 0;
     const int lines = ground.pixels[0][0] == 0 ? Canvas_Height : Canvas_Height / 3;
@@ -40,40 +35,33 @@ void drawGround(Canvas& ground, float seconds) {
             ground.pixels[line][x] = shadeGround(x, line, 0.008f * seconds);
 }
 
-float twistAt(int y, float seconds) {
-    const float height = float(y) / float(Canvas_Height);
-    return 0.16f * seconds +
-           0.26f * Maths_Sin(0.09f * seconds) * Maths_Sin(height * 0.9f - 0.11f * seconds) +
+float twistAt(float height, float seconds) {
+    const float force = 0.26f * Maths_Sin(0.09f * seconds);
+    return 0.16f * seconds + force * Maths_Sin(height * 0.9f - 0.11f * seconds) +
            0.10f * Maths_Sin(height * 1.6f + 0.17f * seconds);
-}
-
-float centreAt(int y, float seconds) {
-    return Canvas_CentreX + 46.0f * Maths_Sin(float(y) / 900.0f + 0.08f * seconds);
 }
 
 Colour shadeSide(int side, float across, int y, float facing) {
     const Lettering& letter = letters[side];
     const int x = int((across - 0.5f) * 150.0f) + letter.width / 2;
     const int row = (y + side * 48) % 192 - (192 - letterSize) / 2;
-    const float cover = Letters_CoverAt(letter, x, row);
     const float shadow = Letters_CoverAt(letter, x - 5, row - 5);
-    const float frame = Maths_Smooth(0.06f, 0.03f, std::min(across, 1.0f - across));
+    const float frame = 0.7f * Maths_Smooth(0.06f, 0.03f, std::min(across, 1.0f - across));
     const Colour cloth = Colour_Scale(sides[side], 1.0f - 0.35f * shadow);
-    const Colour worn = Colour_Mix(Colour_Mix(cloth, 0xFFFFFF, cover), 0xFFFFFF, 0.7f * frame);
-    const float sheen = Maths_Smooth(0.75f, 1.0f, facing);
-    return Colour_Mix(Colour_Scale(worn, 0.25f + 0.75f * facing), 0xFFFFFF, 0.18f * sheen);
+    const Colour worn =
+        Colour_Mix(cloth, 0xFFFFFF, std::max(frame, Letters_CoverAt(letter, x, row)));
+    return Colour_Mix(Colour_Scale(worn, 0.25f + 0.75f * facing), 0xFFFFFF,
+                      0.18f * Maths_Smooth(0.75f, 1.0f, facing));
 }
 
 // One row of one side, between two of the pillar's four edges; those that look away are not seen.
 void drawSide(Canvas& canvas, int side, int y, float centre, float twist) {
     const float left = centre + reach * Maths_Cos(twist + 0.25f * float(side));
     const float right = centre + reach * Maths_Cos(twist + 0.25f * float(side) - 0.25f);
-    if (right <= left)
-        return;
-    const float facing = (right - left) / (reach * 1.4142f);
     for (int x = int(left); float(x) < right; ++x) {
-        const float cover = std::min(1.0f, std::min(float(x + 1) - left, right - float(x)));
+        const float cover = std::min(float(x + 1) - left, right - float(x));
         const float across = Maths_Clamp((float(x) + 0.5f - left) / (right - left));
+        const float facing = (right - left) / (reach * 1.4142f);
         Canvas_Blend(canvas, x, y, shadeSide(side, across, y, facing), cover);
     }
 }
@@ -93,7 +81,8 @@ void Intro_Draw(Canvas& canvas, float seconds) {
     drawGround(ground, seconds);
     canvas = ground;
     for (int y = 0; y < Canvas_Height; ++y) {
-        const float centre = centreAt(y, seconds), twist = twistAt(y, seconds);
+        const float height = float(y) / float(Canvas_Height), twist = twistAt(height, seconds);
+        const float centre = Canvas_CentreX + 46.0f * Maths_Sin(0.43f * height + 0.08f * seconds);
         drawShadow(canvas, y, centre, twist);
         for (int side = 0; side < 4; ++side)
             drawSide(canvas, side, y, centre, twist);

@@ -1,9 +1,6 @@
 // Stars inlaid in wood: brass bands over four kinds of timber, whose angle changes while one looks.
 
-#include "letters.h"
 #include "stage.h"
-
-#include <algorithm>
 
 const char Intro_Title[] = "Ostrik Intro 15 Inlaid";
 
@@ -40,18 +37,15 @@ float grainAt(float x, float y, int kind) {
 }
 
 // Brass, with light that slides over the room.
-Colour shadeBrass(float edge, int x, int y, float seconds) {
-    const float sweep = Maths_Sin(float(x + y) / 420.0f - 0.17f * seconds);
-    const float round = 1.0f - edge * edge;
-    const float light =
-        0.42f + 0.22f * round + 0.4f * sweep * sweep * sweep * sweep * (sweep > 0.0f);
+Colour shadeBrass(float edge, float x, float y, float seconds) {
+    const float sweep = std::fmax(Maths_Sin((x + y) / 420.0f - 0.17f * seconds), 0.0f);
+    const float light = 0.64f - 0.22f * edge * edge + 0.4f * sweep * sweep * sweep * sweep;
     return Colour_Mix(Colour_Make(light * 1.2f, light * 0.95f, light * 0.42f), 0xFFFBE0,
-                      Maths_Clamp(light - 0.75f));
+                      light - 0.75f);
 }
 
-Colour shade(int x, int y, const Bands& bands, float seconds) {
-    const float u = float(x) / cellSize + 0.05f * seconds,
-                v = float(y) / cellSize + 0.03f * seconds;
+Colour shade(float x, float y, const Bands& bands, float seconds) {
+    const float u = x / cellSize + 0.05f * seconds, v = y / cellSize + 0.03f * seconds;
     const Point place = fold(u, v);
     const float first = bands.normalX * (place.x - 0.5f) + bands.normalY * place.y;
     const float second = (place.x + place.y - bands.corner) * 0.7071f;
@@ -59,8 +53,8 @@ Colour shade(int x, int y, const Bands& bands, float seconds) {
     const int kind = inner ^ ((int(u) + int(v)) & 1);
     const float distance = std::min(std::fabs(first), std::fabs(second)) * cellSize;
     const float grain = 0.70f + 0.42f * grainAt(u * cellSize, v * cellSize, kind);
-    const float joint = Maths_Smooth(1.8f, 4.2f, distance);
-    const Colour wood = Colour_Scale(woods[kind], grain * (0.55f + 0.45f * joint));
+    const Colour wood =
+        Colour_Scale(woods[kind], grain * (0.55f + 0.45f * Maths_Smooth(1.8f, 4.2f, distance)));
     const float brass = Maths_Smooth(2.9f, 2.0f, distance);
     return brass > 0.0f ? Colour_Mix(wood, shadeBrass(distance / 2.6f, x, y, seconds), brass)
                         : wood;
@@ -68,26 +62,27 @@ Colour shade(int x, int y, const Bands& bands, float seconds) {
 
 // A plate of dark wood in a brass frame, the letters let into it.
 void drawName(Canvas& canvas, float seconds) {
-    const int left = Letters_Centred(name), top = 146;
-    for (int y = top - 8; y < top + name.height + 8; ++y)
-        for (int x = left - 28; x < left + name.width + 28; ++x) {
-            const int edge = std::min(std::min(x - left + 28, left + name.width + 27 - x),
-                                      std::min(y - top + 8, top + name.height + 7 - y));
+    const int left = Letters_Centred(name), top = 146, right = Canvas_Width - left;
+    for (int y = 138; y < 246; ++y)
+        for (int x = left - 28; x < right + 28; ++x) {
+            const int edge =
+                std::min(std::min(x - left, right - 1 - x) + 28, std::min(y - 138, 245 - y));
             const float grain = 0.7f + 0.5f * grainAt(float(x), float(y), 1);
-            const bool isFrame = edge < 2 || (edge >= 6 && edge < 8);
-            canvas.pixels[y][x] =
-                isFrame ? shadeBrass(0.3f, x, y, seconds) : Colour_Scale(0x3C1C10, grain);
+            canvas.pixels[y][x] = edge < 2 || (edge >= 6 && edge < 8)
+                                      ? shadeBrass(0.3f, float(x), float(y), seconds)
+                                      : Colour_Scale(0x3C1C10, grain);
         }
     Letters_Colour(canvas, name, left - 1, top - 1, 0x140804);
     Letters_Colour(canvas, name, left + 1, top + 1, 0xA86838);
-    Letters_Paint(canvas, name, left, top,
-                  [=](int x, int y) { return shadeBrass(0.2f, left + x, top + y, seconds); });
+    Letters_Paint(canvas, name, left, top, [=](float x, float y) {
+        return shadeBrass(0.2f, x + float(left), y + 146.0f, seconds);
+    });
 }
 
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float seconds) {
     const Bands bands = bandsAt(seconds);
-    Canvas_Fill(canvas, [=](int x, int y) { return shade(x, y, bands, seconds); });
+    Canvas_Fill(canvas, [=](float x, float y) { return shade(x, y, bands, seconds); });
     drawName(canvas, seconds);
 }

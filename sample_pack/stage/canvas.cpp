@@ -1,7 +1,5 @@
 #include "canvas.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr int subRows = 4; // the steps that smooth an outline from row to row
@@ -30,7 +28,7 @@ void coverSpan(float left, float right, float (&cover)[Canvas_Width]) {
 } // namespace
 
 void Canvas_Clear(Canvas& canvas, Colour colour) {
-    Canvas_Fill(canvas, [=](int, int) { return colour; });
+    Canvas_Fill(canvas, [=](float, float) { return colour; });
 }
 
 void Canvas_Add(Canvas& canvas, int x, int y, Colour light) {
@@ -68,7 +66,7 @@ void Canvas_Line(Canvas& canvas, Point from, Point to, float width, Colour colou
                              {to.x + sideX, to.y + sideY},
                              {to.x - sideX, to.y - sideY},
                              {from.x - sideX, from.y - sideY}};
-    Canvas_Polygon(canvas, outline, 4, colour);
+    Canvas_Polygon(canvas, outline, colour);
 }
 
 Box Canvas_Bound(const Point* outline, int count) {
@@ -93,10 +91,4 @@ void Canvas_CoverRow(const Point* outline, int count, const Box& box, int y,
         for (int crossing = 0; crossing + 1 < found; crossing += 2)
             coverSpan(places[crossing], places[crossing + 1], cover);
     }
-}
-
-void Canvas_Polygon(Canvas& canvas, const Point* outline, int count, Colour colour) {
-    Canvas_PaintPolygon(outline, count, [&](int x, int y, float share) {
-        canvas.pixels[y][x] = Colour_Mix(canvas.pixels[y][x], colour, share);
-    });
 }

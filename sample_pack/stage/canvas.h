@@ -21,12 +21,12 @@ inline bool Canvas_Holds(int x, int y) {
     return x >= 0 && x < Canvas_Width && y >= 0 && y < Canvas_Height;
 }
 
-// Every pixel gets the colour that shade(x, y) gives.
+// Every pixel gets the colour that shade(x, y) gives; both are whole numbers, as float.
 template <class Shade>
 void Canvas_Fill(Canvas& canvas, const Shade& shade) {
     for (int y = 0; y < Canvas_Height; ++y)
         for (int x = 0; x < Canvas_Width; ++x)
-            canvas.pixels[y][x] = shade(x, y);
+            canvas.pixels[y][x] = shade(float(x), float(y));
 }
 
 void Canvas_Clear(Canvas& canvas, Colour colour);
@@ -52,10 +52,10 @@ Box Canvas_Bound(const Point* outline, int count);
 void Canvas_CoverRow(const Point* outline, int count, const Box& box, int y,
                      float (&cover)[Canvas_Width]);
 
-// An outline of any shape; what it encloses twice is a hole. paint(x, y, share) is called for the
-// pixels that it covers.
+// Calls paint(x, y, share) for the pixels that an outline covers. It may have any shape; what it
+// encloses twice is a hole.
 template <class Paint>
-void Canvas_PaintPolygon(const Point* outline, int count, const Paint& paint) {
+void Canvas_ForPolygon(const Point* outline, int count, const Paint& paint) {
     float cover[Canvas_Width];
     const Box box = Canvas_Bound(outline, count);
     for (int y = box.top; y < box.bottom; ++y) {
@@ -66,4 +66,28 @@ void Canvas_PaintPolygon(const Point* outline, int count, const Paint& paint) {
     }
 }
 
-void Canvas_Polygon(Canvas& canvas, const Point* outline, int count, Colour colour);
+// Paints it with the colours of shade(x, y).
+template <int Count, class Shade>
+void Canvas_PaintPolygon(Canvas& canvas, const Point (&outline)[Count], const Shade& shade) {
+    Canvas_ForPolygon(outline, Count, [&](int x, int y, float share) {
+        Canvas_Blend(canvas, x, y, shade(float(x), float(y)), share);
+    });
+}
+
+template <int Count>
+void Canvas_Polygon(Canvas& canvas, const Point (&outline)[Count], Colour colour) {
+    Canvas_PaintPolygon(canvas, outline, [=](float, float) { return colour; });
+}
+
+// A ball or a disc. shade(x, y, z) gives the colour of a place on it: within it each runs from -1
+// to 1, and z is how far it stands out.
+template <class Shade>
+void Canvas_PaintBall(Canvas& canvas, Point centre, float wide, float high, const Shade& shade) {
+    for (int y = int(centre.y - high); float(y) <= centre.y + high; ++y)
+        for (int x = int(centre.x - wide); float(x) <= centre.x + wide; ++x) {
+            const float dx = (float(x) - centre.x) / wide, dy = (float(y) - centre.y) / high;
+            const float square = 1.0f - dx * dx - dy * dy;
+            if (square > 0.0f)
+                Canvas_Blend(canvas, x, y, shade(dx, dy, std::sqrt(square)), square * 0.6f * high);
+        }
+}

@@ -8,6 +8,7 @@
 namespace {
 
 constexpr const char* faceNames[] = {"Arial", "Times New Roman", "Courier New"};
+constexpr int softness = 12; // of what is around a title, in pixels
 constexpr DWORD families[] = {FF_SWISS, FF_ROMAN, FF_MODERN | FIXED_PITCH};
 
 HFONT makeFont(Face face, int height, Slant slant, float spread) {
@@ -106,12 +107,16 @@ Lettering Letters_Soften(const Lettering& source, int radius) {
 }
 
 void Letters_Colour(Canvas& canvas, const Lettering& lettering, int left, int top, Colour colour) {
-    Letters_Paint(canvas, lettering, left, top, [=](int, int) { return colour; });
+    Letters_Paint(canvas, lettering, left, top, [=](float, float) { return colour; });
 }
 
-void Letters_Shine(Canvas& canvas, const Lettering& lettering, int left, int top, Colour light) {
-    for (int y = 0; y < lettering.height; ++y)
-        for (int x = 0; x < lettering.width; ++x)
-            Canvas_Add(canvas, left + x, top + y,
-                       Colour_Scale(light, Letters_CoverAt(lettering, x, y)));
+Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant, float spread) {
+    const Lettering lettering = Letters_Make(words, face, height, slant, spread);
+    return {lettering, Letters_Soften(lettering, softness)};
+}
+
+void Letters_Surround(Canvas& canvas, const Title& title, int top, Colour colour) {
+    const int left = Letters_Centred(title.around);
+    for (int twice = 0; twice < 2; ++twice) // once is hardly seen at thin strokes
+        Letters_Colour(canvas, title.around, left, top - softness, colour);
 }

@@ -33,15 +33,28 @@ void Letters_Paint(Canvas& canvas, const Lettering& lettering, int left, int top
     for (int y = 0; y < lettering.height; ++y)
         for (int x = 0; x < lettering.width; ++x)
             if (const uint8_t cover = lettering.cover[y * lettering.width + x])
-                if (Canvas_Holds(left + x, top + y))
-                    Canvas_Blend(canvas, left + x, top + y, shade(x, y), float(cover) / 255.0f);
+                Canvas_Blend(canvas, left + x, top + y, shade(float(x), float(y)),
+                             float(cover) / 255.0f);
 }
 
 void Letters_Colour(Canvas& canvas, const Lettering& lettering, int left, int top, Colour colour);
 
-// Adds light instead of covering.
-void Letters_Shine(Canvas& canvas, const Lettering& lettering, int left, int top, Colour light);
-
 inline int Letters_Centred(const Lettering& lettering) {
     return (Canvas_Width - lettering.width) / 2;
+}
+
+// A title is lettering in the middle of the canvas, with a soft shadow or shine around it.
+struct Title {
+    Lettering words, around;
+};
+Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant = Slant::Upright,
+                        float spread = 1.0f);
+
+void Letters_Surround(Canvas& canvas, const Title& title, int top, Colour colour);
+
+template <class Shade>
+void Letters_PaintTitle(Canvas& canvas, const Title& title, int top, Colour around,
+                        const Shade& shade) {
+    Letters_Surround(canvas, title, top, around);
+    Letters_Paint(canvas, title.words, Letters_Centred(title.words), top, shade);
 }

@@ -1,6 +1,7 @@
 // Small numbers for pictures: everything is float, angles are counted in turns (1 is once round).
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -34,6 +35,12 @@ inline float Maths_Sin(float turns) {
 
 inline float Maths_Cos(float turns) { return Maths_Sin(turns + 0.25f); }
 
+// Between four neighbours of a grid, two in each of two rows.
+inline float Maths_Between(const float* upper, const float* lower, float across, float down) {
+    return Maths_Mix(Maths_Mix(upper[0], upper[1], across), Maths_Mix(lower[0], lower[1], across),
+                     down);
+}
+
 // A number from 0 to 1 that is always the same for the same place, and looks like chance.
 inline float Maths_Hash(int x, int y = 0) {
     uint32_t bits = uint32_t(x) * 0x9E3779B1u ^ uint32_t(y) * 0x85EBCA77u;
@@ -46,11 +53,10 @@ inline float Maths_Hash(int x, int y = 0) {
 inline float Maths_Noise(float x, float y) {
     const float left = Maths_Floor(x), top = Maths_Floor(y);
     const int column = int(left), row = int(top);
-    const float across = Maths_Smooth(0.0f, 1.0f, x - left);
-    const float upper = Maths_Mix(Maths_Hash(column, row), Maths_Hash(column + 1, row), across);
-    const float lower =
-        Maths_Mix(Maths_Hash(column, row + 1), Maths_Hash(column + 1, row + 1), across);
-    return Maths_Mix(upper, lower, Maths_Smooth(0.0f, 1.0f, y - top));
+    const float upper[] = {Maths_Hash(column, row), Maths_Hash(column + 1, row)};
+    const float lower[] = {Maths_Hash(column, row + 1), Maths_Hash(column + 1, row + 1)};
+    return Maths_Between(upper, lower, Maths_Smooth(0.0f, 1.0f, x - left),
+                         Maths_Smooth(0.0f, 1.0f, y - top));
 }
 
 // The same with finer hills upon the hills.

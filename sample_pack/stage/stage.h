@@ -3,7 +3,8 @@
 // Escape or Alt+F4 ends it.
 #pragma once
 
-#include "canvas.h"
+#include "letters.h"
+#include "pixel_font.h"
 
 // What the intro brings.
 extern const char Intro_Title[]; // also the window's title
@@ -12,6 +13,10 @@ extern const char Intro_Title[]; // also the window's title
 void Intro_Draw(Canvas& canvas, float seconds);
 
 // For pictures that grow out of the one before: how many steps are due by now, at so many a second.
-// After a long pause fewer are given, so that the intro does not race to catch up. One sequence of
-// steps an intro.
-int Stage_TakeSteps(float seconds, float stepsPerSecond);
+// After a long pause fewer are given, so that the intro does not race to catch up.
+inline int Stage_TakeSteps(float seconds, float stepsPerSecond) {
+    static int taken = 0;
+    const int due = int(seconds * stepsPerSecond) - taken;
+    taken += due;
+    return std::min(due, 1 + int(stepsPerSecond / 15.0f));
+}
