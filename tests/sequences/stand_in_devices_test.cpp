@@ -51,7 +51,9 @@ IDirectInputDevice7A* makeDevice(IDirectInput7A* input, const GUID& which,
 const DIDATAFORMAT& keyboardFormat() {
     static DIOBJECTDATAFORMAT keys[256];
     for (DWORD code = 0; code < 256; ++code)
-        keys[code] = {&GUID_Key, code, DIDFT_OPTIONAL | DIDFT_BUTTON | DIDFT_MAKEINSTANCE(code), 0};
+        keys[code] = {&GUID_Key, code,
+                      DIDFT_OPTIONAL | DIDFT_BUTTON | static_cast<DWORD>(DIDFT_MAKEINSTANCE(code)),
+                      0};
     static const DIDATAFORMAT format = {sizeof format, sizeof keys[0], DIDF_RELAXIS, 256, 256,
                                         keys};
     return format;

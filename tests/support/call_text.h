@@ -96,6 +96,8 @@ inline constexpr const char* kindOf<IDirectDraw7*> = "ddraw";
 template <>
 inline constexpr const char* kindOf<IDirectDrawSurface7*> = "surface";
 template <>
+inline constexpr const char* kindOf<IDirectDrawPalette*> = "colors";
+template <>
 inline constexpr const char* kindOf<IDirectInput7A*> = "input";
 template <>
 inline constexpr const char* kindOf<IDirectInputDevice7A*> = "device";

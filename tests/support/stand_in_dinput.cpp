@@ -93,7 +93,7 @@ public:
         if (result != DI_OK)
             return result;
         if (bufferSize == 0 || isKeyboard)
-            return DIERR_NOTBUFFERED;
+            return static_cast<HRESULT>(DIERR_NOTBUFFERED);
         return takeEvents(data, *count);
     }
 
