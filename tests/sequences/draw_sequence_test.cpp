@@ -161,6 +161,8 @@ struct ModeCalls {
     const char* expected;
 };
 
+void PrintTo(const ModeCalls& parameter, std::ostream* out) { *out << "mode " << parameter.mode; }
+
 class ModeSequence : public DrawSequence, public testing::WithParamInterface<ModeCalls> {};
 
 TEST_P(ModeSequence, SetsMixBrushAndBackground) {
@@ -311,6 +313,10 @@ struct SizedCall {
     int32_t height;
     const char* expected;
 };
+
+void PrintTo(const SizedCall& size, std::ostream* out) {
+    *out << size.width << " x " << size.height;
+}
 
 class SizedSequence : public ImageSequence, public testing::WithParamInterface<SizedCall> {};
 

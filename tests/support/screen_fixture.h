@@ -61,6 +61,17 @@ protected:
     StandInDevices devices{calls};
 };
 
+// A call that is to fail, as a test's parameter.
+struct CallFailure {
+    const char* call;
+    int nth;
+    int64_t result;
+};
+
+inline void PrintTo(const CallFailure& failure, std::ostream* out) {
+    *out << failure.call << " use " << failure.nth << " gives " << failure.result;
+}
+
 // A test whose screen is open from its start.
 class OpenScreenTest : public ScreenTest {
 protected:

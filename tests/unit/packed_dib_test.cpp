@@ -61,6 +61,8 @@ struct DibSize {
     uint64_t bytes;
 };
 
+void PrintTo(const DibSize& size, std::ostream* out) { *out << size.width << " x " << size.height; }
+
 class PackedDibSize : public testing::TestWithParam<DibSize> {};
 
 TEST_P(PackedDibSize, IsHeaderAndPaddedRows) {
