@@ -183,6 +183,36 @@ TEST_F(InfoTextRead, ReplacesTabsOverAMoveOfTheAccumulator) {
     EXPECT_TRUE(std::string(20000, ' ') + "end" == InfoText_CurrentLine());
 }
 
+TEST_F(InfoTextRead, BuildsItsLinesBehindWhatTheAccumulatorHolds) {
+    ScratchFolder::write("ostrik.nfo", "\tone\ntwo");
+    InfoText_New();
+    Text_Append("before");
+    InfoText_Read();
+    EXPECT_EQ(TextPosition, 6);
+    EXPECT_EQ(std::string(TextBase, 6), "before");
+    EXPECT_STREQ(InfoText_CurrentLine(), "two");
+    List_SelectElement(Launcher.InfoLines, 0);
+    EXPECT_STREQ(InfoText_CurrentLine(), "     one");
+}
+
+// How often the accumulator grows for a line of that length with 4096 tabs: to 20480 bytes and to
+// 36864 while it is read, and once more if line, terminator and result do not fit.
+int growthsForLine(size_t length) {
+    ScratchFolder::write("ostrik.nfo", std::string(4096, '\t') + std::string(length - 4096, 'x'));
+    InfoText_New();
+    CallRecorder calls;
+    InfoText_Read();
+    return calls.uses("HeapReAlloc");
+}
+
+TEST_F(InfoTextRead, LeavesTheLineAndItsTerminatorStandingWhileTabsAreReplaced) {
+    EXPECT_EQ(growthsForLine(10237), 2) << "10238 and 26621 bytes, 1 below 36860";
+}
+
+TEST_F(InfoTextRead, GrowsTheAccumulatorWhenLineAndResultDoNotFit) {
+    EXPECT_EQ(growthsForLine(10238), 3) << "10239 and 26622 bytes";
+}
+
 // --- What is shown instead of a file ---
 
 TEST_F(InfoTextRead, SaysThatThereIsNoFile) {
