@@ -597,7 +597,7 @@ TEST(RunInChild, EndsAScenarioThatHangs) {
             for (volatile bool forEver = true; forEver;) {
             }
         },
-        std::chrono::seconds(2));
+        std::chrono::seconds(3));
     EXPECT_TRUE(child.timedOut);
     EXPECT_GT(child.processorTime.count(), 100) << "it was busy and did not wait";
     EXPECT_NE(child.output.find("Sleep(1)"), std::string::npos);
