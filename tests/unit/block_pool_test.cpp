@@ -211,6 +211,17 @@ TEST_F(PoolAlloc, KeepsToItsOwnMinimumAndMaximum) {
     EXPECT_EQ(blockOf(Pool_Alloc(large))->capacity, 20);
 }
 
+TEST_F(PoolAlloc, PutsABlockOfTwoSlotsAmongTheOpenOnes) {
+    BlockPool* const tiny = Pool_New(24, 2, 2);
+    PoolBlock* const two = blockOf(Pool_Alloc(tiny));
+    EXPECT_EQ(tiny->openBlocks, two);
+    EXPECT_EQ(tiny->fullBlocks, nullptr);
+    BlockPool* const single = Pool_New(24, 1, 1);
+    PoolBlock* const one = blockOf(Pool_Alloc(single));
+    EXPECT_EQ(single->openBlocks, nullptr);
+    EXPECT_EQ(single->fullBlocks, one);
+}
+
 TEST_F(PoolAlloc, RetriesWithASingleSlotWhenTheHeapRefusesABlock) {
     HeapRecorder calls;
     calls.fail("HeapAlloc", 1, 0);

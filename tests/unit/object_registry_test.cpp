@@ -254,6 +254,11 @@ TEST_F(RegistryLookup, TakesTheCapacityItselfForAnAddress) {
     VirtualFree(record, 0, MEM_RELEASE);
 }
 
+TEST_F(RegistryLookup, GivesNullForANumberBeyondTheTable) {
+    for (ObjectId id : {16, 17, 1000, 0xFFFF})
+        EXPECT_EQ(Registry_Lookup(registry, id), nullptr) << id;
+}
+
 TEST_F(RegistryLookup, GivesNullForTheNullAddress) {
     ObjectRegistry empty{};
     EXPECT_EQ(Registry_Lookup(&empty, 0), nullptr);
@@ -374,6 +379,13 @@ TEST_F(RegistryIterator, StartsAgainFromTheBeginning) {
     const ObjectId loose = make(ObjectId_Any);
     EXPECT_EQ(walk(), (Ids{1, loose}));
     EXPECT_EQ(walk(), (Ids{1, loose}));
+}
+
+TEST_F(RegistryIterator, StaysBelowTheCapacity) {
+    make(14);
+    make(15);
+    registry->capacity = 15;
+    EXPECT_EQ(walk(), Ids{14});
 }
 
 TEST_F(RegistryIterator, SkipsTheNumbersAtANegativeIndex) {
@@ -505,6 +517,15 @@ TEST_F(RegistryForEach, LetsTheLooseRecordJustVisitedBeFreed) {
     visits.releaseAt = oldest;
     Registry_ForEach(registry, visit, &visits);
     EXPECT_EQ(visits.ids, (Ids{oldest, newest}));
+}
+
+TEST_F(RegistryForEach, StaysBelowTheCapacity) {
+    make(14);
+    make(15);
+    registry->capacity = 15;
+    Visits visits;
+    Registry_ForEach(registry, visit, &visits);
+    EXPECT_EQ(visits.ids, Ids{14});
 }
 
 TEST_F(RegistryForEach, MayRunInsideTheOtherWalk) {
