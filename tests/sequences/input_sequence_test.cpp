@@ -7,7 +7,7 @@
 
 namespace {
 
-using KeyboardSequence = DeviceTest;
+using KeyboardSequence = InputTest;
 
 TEST_F(KeyboardSequence, OfASetUp) {
     Keyboard_SubsystemInit();
@@ -119,7 +119,7 @@ TEST_F(KeyboardSequence, OfTheWholeProgramLeavesDirectInputStanding) {
     EXPECT_EQ(devices.loads("DINPUT.DLL"), 1);
 }
 
-class MouseSequence : public DeviceTest {
+class MouseSequence : public InputTest {
 protected:
     MouseSequence() {
         Screen.screenWidth = 1024;

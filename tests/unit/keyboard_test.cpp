@@ -175,7 +175,7 @@ TEST_F(KeyboardQuery, OfAnyKeyDoesNotGoByTheMap) {
 
 // --- Set-up ---
 
-using KeyboardSetUp = DeviceTest;
+using KeyboardSetUp = InputTest;
 
 TEST_F(KeyboardSetUp, GivesOneAndADeviceThatIsNotAcquiredYet) {
     EXPECT_EQ(Keyboard_SubsystemInit(), 1);
@@ -265,7 +265,7 @@ TEST_F(KeyboardSetUp, TakesOnlyZeroForAnAcceptedFormat) {
 
 // --- Tear-down ---
 
-using KeyboardTearDown = DeviceTest;
+using KeyboardTearDown = InputTest;
 
 TEST_F(KeyboardTearDown, DoesNothingWithoutASetUp) {
     DirectInput_Acquire();
@@ -311,7 +311,7 @@ TEST_F(KeyboardTearDown, FollowsEveryFailedSetUp) {
 
 // --- Polling ---
 
-class KeyboardPoll : public DeviceTest {
+class KeyboardPoll : public InputTest {
 protected:
     KeyboardPoll() { Keyboard_SubsystemInit(); }
 };

@@ -25,7 +25,7 @@ namespace {
 
 // --- Set-up and tear-down ---
 
-using MouseSetUp = DeviceTest;
+using MouseSetUp = InputTest;
 
 TEST_F(MouseSetUp, MakesTheDeviceAndNothingMore) {
     Mouse.releasedByProgram = 1;
@@ -104,7 +104,7 @@ TEST_F(MouseSetUp, TakesOnlyZeroForAnAcceptedFormat) {
     EXPECT_EQ(Mouse.acquireState, 0);
 }
 
-using MouseTearDown = DeviceTest;
+using MouseTearDown = InputTest;
 
 TEST_F(MouseTearDown, DoesNothingWithoutASetUp) {
     DirectInput_Acquire();
@@ -137,7 +137,7 @@ TEST_F(MouseTearDown, FollowsEveryFailedSetUp) {
 
 // --- Polling ---
 
-class MousePoll : public DeviceTest {
+class MousePoll : public InputTest {
 protected:
     MousePoll() {
         Mouse_SubsystemInit();
