@@ -1,4 +1,5 @@
-# The same target with Debian's clang: headers and libraries are those of the cross g++, which links.
+# The same target with Debian's clang. Headers and libraries are those of the cross g++, which also
+# links.
 
 include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)
 

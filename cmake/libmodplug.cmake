@@ -1,5 +1,6 @@
 # The library that renders the song, as the target `libmodplug`: an installed one where there is one
-# for the target, as in MSYS2, otherwise one built from Debian's source package, once for all presets.
+# for the target, as in MSYS2, otherwise one built from Debian's source package, once for all
+# presets.
 
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND)

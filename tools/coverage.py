@@ -84,7 +84,8 @@ def main(build):
     lines, branches = print_table(files)
     print_unreached_lines(files)
     if lines < LINES_WANTED or branches < BRANCHES_WANTED:
-        return f"coverage: {LINES_WANTED:g} % of lines and {BRANCHES_WANTED:g} % of branches are wanted"
+        return (f"coverage: {LINES_WANTED:g} % of lines and {BRANCHES_WANTED:g} % of branches "
+                "are wanted")
     return 0
 
 
