@@ -1,19 +1,14 @@
 // Copper bars behind a plate that is nailed on with hobnails: the first cut of a cracktro.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Hobnail Intro 2 First Cut";
 
 namespace {
-
 constexpr int barCount = 14;
 constexpr int barHeight = 26;
-constexpr Colour barColours[] = {0xFF3020, 0xFF8020, 0xFFE030, 0x60E040,
-                                 0x30C0FF, 0x6060FF, 0xD050FF};
+constexpr Colour tints[] = {0xFF3020, 0xFF8020, 0xFFE030, 0x60E040, 0x30C0FF, 0x6060FF, 0xD050FF};
 constexpr int plateTop = 118, plateHeight = 132, plateLeft = 36, plateWidth = 440;
-constexpr char words[] =
-    "HOBNAIL PRESENTS ITS SECOND INTRO IN THE FIRST CUT +++ FRESH FROM THE "
-    "ANVIL, THE EDGES ARE STILL SHARP +++ CODE: PELLWICK +++ NAILS: OSTRIK +++ ";
+constexpr char words[] = "HOBNAIL PRESENTS ITS SECOND INTRO IN THE FIRST CUT +++ FRESH FROM THE "
+                         "ANVIL, THE EDGES ARE STILL SHARP +++ CODE: PELLWICK +++ NAILS: OSTRIK + ";
 
 const Lettering name = Letters_Make("HOBNAIL", Face::Sans, 88);
 
@@ -21,44 +16,40 @@ const Lettering name = Letters_Make("HOBNAIL", Face::Sans, 88);
 void drawBar(Canvas& canvas, float middle, Colour colour) {
     for (int row = -barHeight / 2; row <= barHeight / 2; ++row) {
         const float across = float(row) / float(barHeight / 2 + 1);
-        const float light = std::sqrt(1.0f - across * across);
-        const float shine = Maths_Clamp(light * light * light * light - 0.45f);
+        const float light = std::sqrt(1 - across * across);
+        const float shine = Num_Clamp(light * light * light * light - 0.45f);
         Canvas_Bar(canvas, 0, int(middle) + row, Canvas_Width, 1,
                    Colour_Mix(Colour_Scale(colour, light), 0xFFFFFF, shine));
     }
 }
 
 // Bars that are on their way back pass behind those that come.
-void drawBars(Canvas& canvas, float seconds) {
+void drawBars(Canvas& canvas, float time) {
     for (int half = 0; half < 2; ++half)
         for (int bar = barCount - 1; bar >= 0; --bar) {
-            const float phase = seconds * 0.28f - float(bar) * 0.036f;
-            const float middle =
-                192.0f + 150.0f * Maths_Sin(phase) + 26.0f * Maths_Sin(phase * 2.3f);
-            if ((Maths_Cos(phase) > 0.0f) == (half == 1))
-                drawBar(canvas, middle, Colour_Scale(barColours[bar % 7], half ? 1.0f : 0.55f));
+            const float phase = time * 0.28f - float(bar) * 0.036f;
+            const float middle = 192 + 150 * Num_Sin(phase) + 26 * Num_Sin(phase * 2.3f);
+            if ((Num_Cos(phase) > 0) == (half == 1))
+                drawBar(canvas, middle, Colour_Scale(tints[bar % 7], half ? 1 : 0.55f));
         }
 }
 
 // Brushed steel that the bars throw some colour upon.
-void drawPlate(Canvas& canvas, float seconds) {
+void drawPlate(Canvas& canvas, float time) {
     for (int y = 0; y < plateHeight; ++y)
         for (int x = 0; x < plateWidth; ++x) {
-            const float grain = Maths_Hash(x / 24 + y * 31, y) * 0.10f;
-            const float sheen = Maths_Sin(float(x + y) / 420.0f - 0.12f * seconds);
+            const float grain = Num_Hash(x / 24 + y * 31, y) * 0.10f;
+            const float sheen = Num_Sin(float(x + y) / 420 - 0.12f * time);
             const bool edge = x < 3 || y<3, foot = x> plateWidth - 4 || y > plateHeight - 4;
-            const float light = 0.26f + grain + 0.12f * sheen +
-                                (edge   ? 0.25f
-                                 : foot ? -0.2f
-                                        : 0.0f);
+            const float light = 0.26f + grain + 0.12f * sheen + (edge ? 0.25f : foot ? -0.2f : 0);
             const Colour steel = Colour_Make(light, light, light + 0.04f);
             Canvas_Blend(canvas, plateLeft + x, plateTop + y, steel, 0.86f);
         }
 }
 
 void drawNail(Canvas& canvas, Point centre) {
-    Canvas_PaintBall(canvas, centre, 7.0f, 7.0f, [](float x, float y, float z) {
-        const float light = 0.5f * z - 0.45f * (x + y), spark = Maths_Smooth(0.75f, 1.0f, light);
+    Canvas_PaintBall(canvas, centre, 7, 7, [](float x, float y, float z) {
+        const float light = 0.5f * z - 0.45f * (x + y), spark = Num_Smooth(0.75f, 1, light);
         return Colour_Make(light + spark, light * 0.92f + spark, light * 0.78f + spark);
     });
 }
@@ -73,21 +64,20 @@ void drawName(Canvas& canvas, const Canvas& bars) {
     PixelFont_WriteCentred(canvas, "INTRO 2 - FIRST CUT", plateTop + 97, 2, 0x101018);
     PixelFont_WriteCentred(canvas, "INTRO 2 - FIRST CUT", plateTop + 96, 2, 0xF0E8D0);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     static Canvas bars;
-    Canvas_Fill(bars, [](float, float y) { return Colour_Mix(0x08081C, 0x2C1030, y / 384.0f); });
-    drawBars(bars, seconds);
+    Canvas_Fill(bars, [](float, float y) { return Colour_Mix(0x08081C, 0x2C1030, y / 384); });
+    drawBars(bars, time);
     canvas = bars;
-    drawPlate(canvas, seconds);
+    drawPlate(canvas, time);
     for (int nail = 0; nail < 28; ++nail)
-        drawNail(canvas, {52.0f + float(nail / 2) * 31.4f, nail & 1 ? 132.0f : 236.0f});
+        drawNail(canvas, {52 + float(nail / 2) * 31.4f, nail & 1 ? 132.0f : 236.0f});
     drawName(canvas, bars);
     Canvas_Bar(canvas, 0, 350, Canvas_Width, 34, 0xC08040);
     Canvas_Bar(canvas, 0, 352, Canvas_Width, 32, 0x000000);
-    PixelFont_Scroll(words, 110.0f * seconds, 2, [&](float x, float y) {
-        canvas.pixels[361 + int(y)][int(x)] = Colour_Mix(0xFFF0C0, 0xC05018, y / 14.0f);
+    PixelFont_Scroll(words, 110 * time, 2, [&](float x, float y) {
+        canvas.pixels[361 + int(y)][int(x)] = Colour_Mix(0xFFF0C0, 0xC05018, y / 14);
     });
 }

@@ -1,25 +1,22 @@
 // A plane filled without gaps: squares whose edges grow into birds and back again. Opposite edges
 // of a tile keep the same shape, so that every tile still fits into its neighbours.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Tessel Intro 1";
 
 namespace {
-
 constexpr int edgePoints = 9, corners = 4 * (edgePoints - 1);
-constexpr float tileSize = 92.0f;
+constexpr float tileSize = 92;
 constexpr Colour fills[] = {0x173F5F, 0x20639B, 0x2F4B7C, 0x1B6B72,  // cool
                             0xF2B134, 0xED553B, 0xD1495B, 0xF79256}; // warm
 
 // The upper edge is the bird's wing, the left edge its tail and, on the other side, its head; in a
 // tile of size 1.
-constexpr Point upperEdge[edgePoints] = {{0.0f, 0.0f},    {0.16f, 0.07f},  {0.30f, -0.06f},
+constexpr Point upperEdge[edgePoints] = {{0, 0},          {0.16f, 0.07f},  {0.30f, -0.06f},
                                          {0.38f, -0.34f}, {0.58f, -0.52f}, {0.54f, -0.26f},
-                                         {0.64f, -0.07f}, {0.82f, -0.06f}, {1.0f, 0.0f}};
-constexpr Point leftEdge[edgePoints] = {{0.0f, 0.0f},   {0.10f, 0.05f},  {0.20f, 0.12f},
+                                         {0.64f, -0.07f}, {0.82f, -0.06f}, {1, 0}};
+constexpr Point leftEdge[edgePoints] = {{0, 0},         {0.10f, 0.05f},  {0.20f, 0.12f},
                                         {0.36f, 0.22f}, {0.18f, 0.26f},  {0.09f, 0.40f},
-                                        {0.0f, 0.62f},  {-0.14f, 0.86f}, {0.0f, 1.0f}};
+                                        {0, 0.62f},     {-0.14f, 0.86f}, {0, 1}};
 constexpr Point feathers[][2] = {{{0.46f, -0.30f}, {0.40f, 0.10f}},
                                  {{0.51f, -0.20f}, {0.49f, 0.12f}},
                                  {{0.56f, -0.06f}, {0.58f, 0.14f}},
@@ -36,48 +33,46 @@ struct View {
 
 Point place(const View& view, float column, float row) {
     const float x = column * tileSize - view.driftX, y = row * tileSize - view.driftY;
-    return {Canvas_CentreX + x * view.cosine - y * view.sine,
-            Canvas_CentreY + x * view.sine + y * view.cosine};
+    return {256 + x * view.cosine - y * view.sine, 192 + x * view.sine + y * view.cosine};
 }
 
 // How far an edge has grown depends on its own place alone: both of its tiles see the same.
-float growth(float column, float row, float seconds) {
-    const float wave = Maths_Sin(seconds * 0.11f - column * 0.075f - row * 0.05f);
-    return Maths_Smooth(-0.5f, 0.3f, 0.25f + wave);
+float growth(float column, float row, float time) {
+    const float wave = Num_Sin(time * 0.11f - column * 0.075f - row * 0.05f);
+    return Num_Smooth(-0.5f, 0.3f, 0.25f + wave);
 }
 
-Point alongUpper(int point, float column, float row, float seconds) {
-    const float share = growth(column + 0.5f, row, seconds), straight = float(point) / 8.0f;
-    return {column + Maths_Mix(straight, upperEdge[point].x, share),
-            row + upperEdge[point].y * share};
+Point alongUpper(int point, float column, float row, float time) {
+    const float share = growth(column + 0.5f, row, time), straight = float(point) / 8;
+    const Point grown = upperEdge[point];
+    return {column + Num_Mix(straight, grown.x, share), row + grown.y * share};
 }
 
-Point alongLeft(int point, float column, float row, float seconds) {
-    const float share = growth(column, row + 0.5f, seconds), straight = float(point) / 8.0f;
-    return {column + leftEdge[point].x * share,
-            row + Maths_Mix(straight, leftEdge[point].y, share)};
+Point alongLeft(int point, float column, float row, float time) {
+    const float share = growth(column, row + 0.5f, time), straight = float(point) / 8;
+    return {column + leftEdge[point].x * share, row + Num_Mix(straight, leftEdge[point].y, share)};
 }
 
 // Once round the tile, clockwise from its upper left corner.
-Point alongTile(int corner, float column, float row, float seconds) {
+Point alongTile(int corner, float column, float row, float time) {
     const int step = corner % (edgePoints - 1), last = edgePoints - 1;
     switch (corner / last) {
-    case 0: return alongUpper(step, column, row, seconds);
-    case 1: return alongLeft(step, column + 1.0f, row, seconds);
-    case 2: return alongUpper(last - step, column, row + 1.0f, seconds);
-    default: return alongLeft(last - step, column, row, seconds);
+    case 0: return alongUpper(step, column, row, time);
+    case 1: return alongLeft(step, column + 1, row, time);
+    case 2: return alongUpper(last - step, column, row + 1, time);
+    default: return alongLeft(last - step, column, row, time);
     }
 }
 
 // Half the outline is inked: the other half is, with the neighbours.
-void drawTile(Canvas& canvas, const View& view, int column, int row, float seconds) {
+void drawTile(Canvas& canvas, const View& view, int column, int row, float time) {
     Point outline[corners];
     for (int corner = 0; corner < corners; ++corner) {
-        const Point at = alongTile(corner, float(column), float(row), seconds);
+        const Point at = alongTile(corner, float(column), float(row), time);
         outline[corner] = place(view, at.x, at.y);
     }
-    const int choice = int(4.0f * Maths_Hash(column, row)) + ((column + row) & 1) * 4;
-    const float light = 0.86f + 0.14f * Maths_Sin(seconds * 0.2f + Maths_Hash(row, column));
+    const int choice = int(4 * Num_Hash(column, row)) + ((column + row) & 1) * 4;
+    const float light = 0.86f + 0.14f * Num_Sin(time * 0.2f + Num_Hash(row, column));
     Canvas_Polygon(canvas, outline, Colour_Scale(fills[choice], light));
     for (int corner = 0; corner < corners / 2; ++corner)
         Canvas_Line(canvas, outline[corner], outline[corner + 1], 1.6f, 0x140C14);
@@ -88,27 +83,24 @@ void drawMarks(Canvas& canvas, const View& view, float column, float row, float 
     for (const auto& feather : feathers)
         if (share > 0.5f)
             Canvas_Line(canvas, place(view, column + feather[0].x, row + feather[0].y),
-                        place(view, column + feather[1].x, row + feather[1].y), 2.0f * share,
+                        place(view, column + feather[1].x, row + feather[1].y), 2 * share,
                         Colour_Scale(0x40303C, share));
-    Canvas_Glow(canvas, place(view, column + 1.13f, row + 0.145f), 6.0f * share + 0.1f, 0xFFFFFF);
+    Canvas_Glow(canvas, place(view, column + 1.13f, row + 0.145f), 6 * share + 0.1f, 0xFFFFFF);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    const float sway = 0.03f + 0.045f * Maths_Sin(seconds * 0.07f);
-    const View view = {Maths_Cos(sway), Maths_Sin(sway), 14.0f * seconds, 9.0f * seconds};
-    const int midColumn = int(view.driftX / tileSize), midRow = int(view.driftY / tileSize);
+void Intro_Draw(Canvas& canvas, float time) {
+    const float sway = 0.03f + 0.045f * Num_Sin(time * 0.07f);
+    const View view = {Num_Cos(sway), Num_Sin(sway), 14 * time, 9 * time};
+    const int left = int(view.driftX / tileSize) - 5, top = int(view.driftY / tileSize) - 4;
     for (int number = 0; number < 90; ++number)
-        drawTile(canvas, view, midColumn - 5 + number % 10, midRow - 4 + number / 10, seconds);
+        drawTile(canvas, view, left + number % 10, top + number / 10, time);
     for (int number = 0; number < 90; ++number) {
-        const float column = float(midColumn - 5 + number % 10),
-                    row = float(midRow - 4 + number / 10);
-        drawMarks(canvas, view, column, row, growth(column + 0.5f, row + 0.5f, seconds));
+        const float column = float(left + number % 10), row = float(top + number / 10);
+        drawMarks(canvas, view, column, row, growth(column + 0.5f, row + 0.5f, time));
     }
     Letters_PaintTitle(canvas, name, 118, 0x0C0810, [=](float x, float y) {
-        return Colour_Mix(0xFFF4DC, 0xFFC860,
-                          0.5f + 0.5f * Maths_Sin((x - 2.0f * y) / 300.0f - 0.25f * seconds));
+        return Colour_Mix(0xFFF4DC, 0xFFC860, 0.5f + 0.5f * Num_Sin((x - 2 * y) / 300 - time / 4));
     });
     Letters_Colour(canvas, below, Letters_Centred(below) + 2, 220, 0x0C0810);
     Letters_Colour(canvas, below, Letters_Centred(below), 218, 0xFFF4DC);

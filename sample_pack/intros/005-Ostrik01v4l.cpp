@@ -1,15 +1,12 @@
 // A struck plate of tin rings, and the sand upon it gathers in figures where the plate stands
 // still. Each tone has its own figure; one passes into the next.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 1 V4 Ringing Tinplate";
 
 namespace {
-
 constexpr int figureCount = 7, mostWaves = 8;
 constexpr int waves[figureCount][2] = {{1, 3}, {2, 5}, {3, 5}, {1, 6}, {4, 7}, {3, 8}, {5, 8}};
-constexpr float secondsEach = 3.0f;
+constexpr float secondsEach = 3;
 constexpr int plateSize = 328, plateLeft = 92, plateTop = 10;
 
 const Title name = Letters_MakeTitle("Ringing Tinplate", Face::Serif, 58, Slant::Italic);
@@ -20,7 +17,7 @@ float cosines[mostWaves + 1][plateSize + 1];
 void makeCosines() {
     for (int wave = 0; wave <= mostWaves; ++wave)
         for (int place = 0; place <= plateSize; ++place)
-            cosines[wave][place] = Maths_Cos(0.5f * float(wave * place) / float(plateSize));
+            cosines[wave][place] = Num_Cos(0.5f * float(wave * place) / float(plateSize));
 }
 
 // How high a point of the square swings in one figure.
@@ -36,52 +33,49 @@ struct Tone {
 };
 
 float height(const Tone& tone, int x, int y) {
-    return Maths_Mix(swing(tone.figure, x, y), swing(tone.figure + 1, x, y), tone.share);
+    return Num_Mix(swing(tone.figure, x, y), swing(tone.figure + 1, x, y), tone.share);
 }
 
 // Rolled tin: fine lines across, and light that slides over it as it swings.
-Colour shadeTin(float slope, int x, int y, float seconds) {
-    const float grain =
-        0.06f * Maths_Hash(x / 17, y) + 0.05f * Maths_Noise(float(x) / 9.0f, float(y) / 2.0f);
-    const float sheen = 0.10f * Maths_Sin(float(x + y) / 330.0f + 0.07f * seconds);
+Colour shadeTin(float slope, int x, int y, float time) {
+    const float grain = 0.06f * Num_Hash(x / 17, y) + 0.05f * Num_Noise(float(x) / 9, float(y) / 2);
+    const float sheen = 0.10f * Num_Sin(float(x + y) / 330 + 0.07f * time);
     const float light = 0.36f + grain + sheen + 0.9f * slope;
     return Colour_Make(light * 0.92f, light, light * 1.10f);
 }
 
-Colour shadePlate(const Tone& tone, int x, int y, float seconds) {
+Colour shadePlate(const Tone& tone, int x, int y, float time) {
     const float here = height(tone, x, y);
     const float dx = height(tone, x + 1, y) - here, dy = height(tone, x, y + 1) - here;
-    const float swinging = tone.loud * Maths_Sin(9.0f * seconds);
-    const Colour tin =
-        shadeTin((dx + dy) * (0.8f + swinging) + 0.06f * here * swinging, x, y, seconds);
-    const float away = std::fabs(here) / (std::sqrt(dx * dx + dy * dy) * 15.0f + 0.03f);
-    const float heap = Maths_Smooth(1.0f, 0.35f, away + 0.5f * Maths_Hash(x, y));
-    const float dust = Maths_Hash(y, x + int(seconds * 12.0f)) < 0.012f * tone.loud;
-    const Colour sand = Colour_Mix(0xB07828, 0xFFE9B0, Maths_Hash(x * 3, y * 5));
-    return Colour_Mix(tin, sand, Maths_Clamp(heap + dust));
+    const float swinging = tone.loud * Num_Sin(9 * time);
+    const float lean = (dx + dy) * (0.8f + swinging) + 0.06f * here * swinging;
+    const float away = std::fabs(here) / (std::sqrt(dx * dx + dy * dy) * 15 + 0.03f);
+    const float heap = Num_Smooth(1, 0.35f, away + 0.5f * Num_Hash(x, y));
+    const float dust = Num_Hash(y, x + int(time * 12)) < 0.012f * tone.loud;
+    const Colour sand = Colour_Mix(0xB07828, 0xFFE9B0, Num_Hash(x * 3, y * 5));
+    return Colour_Mix(shadeTin(lean, x, y, time), sand, Num_Clamp(heap + dust));
 }
 
 // The table beneath trembles a little with each stroke.
 Colour shadeTable(float x, float y, float loud) {
-    const float grain = Maths_Noise(x / 60.0f, y / 3.0f + loud);
-    const float away = std::fmax(std::fabs(x - Canvas_CentreX), std::fabs(y - 180.0f));
-    const float light = (0.18f + 0.14f * grain) * Maths_Smooth(70.0f, 230.0f, away);
+    const float grain = Num_Noise(x / 60, y / 3 + loud);
+    const float away = std::fmax(std::fabs(x - Canvas_MidX), std::fabs(y - 180));
+    const float light = (0.18f + 0.14f * grain) * Num_Smooth(70, 230, away);
     return Colour_Make(light * 1.25f, light * 0.62f, light * 0.36f);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    if (cosines[0][0] == 0.0f) // not made yet: each begins with 1
+void Intro_Draw(Canvas& canvas, float time) {
+    if (cosines[0][0] == 0) // not made yet: each begins with 1
         makeCosines();
-    const float place = seconds / secondsEach, within = Maths_Fract(place);
-    const Tone tone = {int(place), Maths_Smooth(0.75f, 1.0f, within), 1.0f - 0.7f * within};
+    const float place = time / secondsEach, within = Num_Fract(place);
+    const Tone tone = {int(place), Num_Smooth(0.75f, 1, within), 1 - 0.7f * within};
     Canvas_Fill(canvas, [=](float x, float y) { return shadeTable(x, y, tone.loud); });
     for (int y = 0; y < plateSize; ++y)
         for (int x = 0; x < plateSize; ++x)
-            canvas.pixels[plateTop + y][plateLeft + x] = shadePlate(tone, x, y, seconds);
+            canvas.pixels[plateTop + y][plateLeft + x] = shadePlate(tone, x, y, time);
     Letters_PaintTitle(canvas, name, 326, 0x000000, [](float x, float y) {
-        const float light = 0.6f + 0.4f * Maths_Sin(y / 40.0f + x / 400.0f);
+        const float light = 0.6f + 0.4f * Num_Sin(y / 40 + x / 400);
         return Colour_Make(light * 0.95f, light, light * 1.12f);
     });
 }

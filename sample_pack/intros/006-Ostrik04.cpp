@@ -1,31 +1,27 @@
 // Lanternfish on their way through the deep: dark bodies, rows of lights, and snow that sinks.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 4 Lanternfish";
 
 namespace {
-
 constexpr int fishCount = 11;
 constexpr int snowCount = 260;
 constexpr int sideSteps = 14; // points along a fish's back, and along its belly
 
 const Title name = Letters_MakeTitle("Lanternfish", Face::Serif, 76, Slant::Italic);
 
-Colour shadeDeep(float x, float y, float seconds) {
-    const float height = 1.0f - y / 384.0f;
-    const float shaft = Maths_Noise((x - 0.35f * y) / 42.0f, 0.25f * seconds);
+Colour shadeDeep(float x, float y, float time) {
+    const float height = 1 - y / 384;
+    const float shaft = Num_Noise((x - 0.35f * y) / 42, 0.25f * time);
     const float light = height * height * (0.35f + 0.65f * shaft);
     return Colour_Make(0.01f + 0.03f * light, 0.03f + 0.30f * light, 0.10f + 0.42f * light);
 }
 
-void drawFlake(Canvas& canvas, int flake, float seconds) {
-    const float size = Maths_Hash(flake, 7);
-    const float sway = 0.02f * Maths_Sin(0.2f * seconds + Maths_Hash(flake, 8));
-    const float x = Maths_Fract(Maths_Hash(flake, 1) + sway - 0.01f * seconds * size);
-    const float y = Maths_Fract(Maths_Hash(flake, 2) + seconds * (0.01f + 0.03f * size));
-    Canvas_Add(canvas, int(x * 512.0f), int(y * 384.0f),
-               Colour_Scale(0x90C0D0, 0.2f + 0.5f * size * size));
+void drawFlake(Canvas& canvas, int flake, float time) {
+    const float size = Num_Hash(flake, 7);
+    const float sway = 0.02f * Num_Sin(0.2f * time + Num_Hash(flake, 8));
+    const float x = Num_Fract(Num_Hash(flake, 1) + sway - 0.01f * time * size);
+    const float y = Num_Fract(Num_Hash(flake, 2) + time * (0.01f + 0.03f * size));
+    Canvas_Add(canvas, int(x * 512), int(y * 384), Colour_Scale(0x90C0D0, 0.2f + size / 2));
 }
 
 struct Fish {
@@ -36,58 +32,54 @@ struct Fish {
 };
 
 // Far fish are small, dim and slow.
-Fish placeFish(int number, float seconds) {
+Fish placeFish(int number, float time) {
     const float nearness = float(number + 2) / float(fishCount + 2);
-    const float way = Maths_Hash(number, 1) + seconds * (0.02f + 0.05f * nearness);
-    const float lane = Maths_Fract(0.381966f * float(number) + 0.1f);
-    const float y = 60.0f + 290.0f * lane + 14.0f * Maths_Sin(0.13f * seconds + lane);
-    const Colour light = Colour_Mix(0x40B0FF, 0x70FFD0, Maths_Hash(number, 3));
-    return {{640.0f - 768.0f * Maths_Fract(way), y},
-            26.0f + 66.0f * nearness,
-            (1.2f - 0.5f * nearness) * seconds + lane,
+    const float way = Num_Hash(number, 1) + time * (0.02f + 0.05f * nearness);
+    const float lane = Num_Fract(0.381966f * float(number) + 0.1f);
+    const float y = 60 + 290 * lane + 14 * Num_Sin(0.13f * time + lane);
+    const Colour light = Colour_Mix(0x40B0FF, 0x70FFD0, Num_Hash(number, 3));
+    return {{640 - 768 * Num_Fract(way), y},
+            26 + 66 * nearness,
+            (1.2f - 0.5f * nearness) * time + lane,
             Colour_Scale(light, 0.35f + 0.65f * nearness)};
 }
 
 // A place on the fish: `along` from -1 at the nose to 1 at the tail, `across` from -1 to 1.
 Point onFish(const Fish& fish, float along, float across) {
-    const float slim = std::fmax((1.0f - along) * (along + 1.02f), 0.0f);
+    const float slim = std::fmax((1 - along) * (along + 1.02f), 0.0f);
     const float half = 0.06f + 0.26f * std::sqrt(slim) * (0.92f - 0.35f * along);
-    const float bend = 0.05f * (along + 1.2f) * Maths_Sin(fish.beat - 0.28f * along);
-    return {fish.centre.x + fish.length * along,
-            fish.centre.y + fish.length * (half * across + bend)};
+    const float bend = 0.05f * (along + 1.2f) * Num_Sin(fish.beat - 0.28f * along);
+    const float x = fish.length * along, y = fish.length * (half * across + bend);
+    return {fish.centre.x + x, fish.centre.y + y};
 }
 
 void drawBody(Canvas& canvas, const Fish& fish) {
     const Colour skin = Colour_Mix(0x041018, Colour_Scale(fish.light, 0.35f), 0.55f);
-    const Point root = onFish(fish, 0.93f, 0.0f), end = onFish(fish, 1.35f, 0.0f);
+    const Point root = onFish(fish, 0.93f, 0), end = onFish(fish, 1.35f, 0);
     const float fin = 0.24f * fish.length;
-    Canvas_Polygon(canvas,
-                   {{root.x, root.y - 2.0f},
-                    {end.x, end.y - fin},
-                    {end.x - fin / 2, end.y},
-                    {end.x, end.y + fin},
-                    {root.x, root.y + 2.0f}},
-                   skin);
+    const Point tail[] = {
+        root, {end.x, end.y - fin}, {end.x - fin / 2, end.y}, {end.x, end.y + fin}};
+    Canvas_Polygon(canvas, tail, skin);
     Point outline[2 * sideSteps];
     for (int step = 0; step < sideSteps; ++step) {
-        const float along = -1.0f + 2.0f * float(step) / float(sideSteps - 1);
-        outline[step] = onFish(fish, along, -1.0f);
+        const float along = -1 + 2 * float(step) / float(sideSteps - 1);
+        outline[step] = onFish(fish, along, -1);
         outline[2 * sideSteps - 1 - step] = onFish(fish, along, 0.9f);
     }
     Canvas_PaintPolygon(canvas, outline, [&](float, float y) {
         const float back = (fish.centre.y - y) / (0.34f * fish.length);
-        return Colour_Mix(skin, fish.light, Maths_Clamp(0.30f * back));
+        return Colour_Mix(skin, fish.light, Num_Clamp(0.30f * back));
     });
 }
 
 // The eye, and two rows along the belly; a wave of brightness runs through them.
-void drawLights(Canvas& canvas, const Fish& fish, float seconds) {
+void drawLights(Canvas& canvas, const Fish& fish, float time) {
     const Point eye = onFish(fish, -0.74f, -0.25f);
     const float pupil = 0.045f * fish.length;
     Canvas_Glow(canvas, eye, 0.17f * fish.length, fish.light);
     Canvas_PaintBall(canvas, eye, pupil, pupil, [](float, float, float) { return 0x020810u; });
     for (int lamp = 0; lamp < 18; ++lamp) {
-        const float wave = 0.55f + 0.45f * Maths_Sin(0.9f * seconds - 0.09f * float(lamp));
+        const float wave = 0.55f + 0.45f * Num_Sin(0.9f * time - 0.09f * float(lamp));
         const Point place = onFish(fish, -0.8f + 0.2f * float(lamp % 9), lamp < 9 ? 0.75f : 0.2f);
         const float size = lamp < 9 ? 0.13f : 0.08f;
         Canvas_Glow(canvas, place, size * fish.length, Colour_Scale(fish.light, wave));
@@ -95,25 +87,24 @@ void drawLights(Canvas& canvas, const Fish& fish, float seconds) {
     }
 }
 
-void drawFish(Canvas& canvas, int number, float seconds) {
-    const Fish fish = placeFish(number, seconds);
+void drawFish(Canvas& canvas, int number, float time) {
+    const Fish fish = placeFish(number, time);
     Canvas_Glow(canvas, fish.centre, 1.5f * fish.length, Colour_Scale(fish.light, 0.16f));
     drawBody(canvas, fish);
-    drawLights(canvas, fish, seconds);
+    drawLights(canvas, fish, time);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    Canvas_Fill(canvas, [=](float x, float y) { return shadeDeep(x, y, seconds); });
+void Intro_Draw(Canvas& canvas, float time) {
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeDeep(x, y, time); });
     for (int flake = 0; flake < snowCount; ++flake)
-        drawFlake(canvas, flake, seconds);
+        drawFlake(canvas, flake, time);
     for (int number = 0; number < fishCount / 2; ++number)
-        drawFish(canvas, number, seconds);
+        drawFish(canvas, number, time);
     Letters_PaintTitle(canvas, name, 24, 0x0C4074, [=](float x, float) {
-        const float wave = 0.5f + 0.5f * Maths_Sin(0.5f * seconds - x / 400.0f);
+        const float wave = 0.5f + 0.5f * Num_Sin(0.5f * time - x / 400);
         return Colour_Mix(0x50A8E0, 0xE8FFFF, wave * wave);
     });
     for (int number = fishCount / 2; number < fishCount; ++number)
-        drawFish(canvas, number, seconds);
+        drawFish(canvas, number, time);
 }

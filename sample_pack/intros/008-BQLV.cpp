@@ -1,48 +1,44 @@
 // Dusk over a valley, ridge behind ridge, and paper lanterns that rise out of it.
-
 #include "stage.h"
-
 const char Intro_Title[] = "BQLV - Bluequay and Lantern Vale Inc. Intro";
 
 namespace {
-
 constexpr int ridgeCount = 5;
 constexpr int lanternCount = 46;
 constexpr Colour sky[] = {0x0A1038, 0x20285C, 0x504080, 0xB06080, 0xF8A878, 0xFFD8A0};
 
-const Title sign = Letters_MakeTitle("BQLV", Face::Serif, 120, Slant::Upright, 1.15f);
-const Lettering below =
+const Title sign = Letters_MakeTitle("BQLV", Face::Serif, 120);
+const Lettering line =
     Letters_Make("Bluequay and Lantern Vale Inc.", Face::Serif, 30, Slant::Italic);
 
 void drawSky(Canvas& canvas) {
     Canvas_Fill(canvas, [](float x, float y) {
-        const float dx = (x - 380.0f) / 420.0f;
-        return Colour_Ramp(sky, y / 265.0f - 0.12f * dx * dx);
+        const float dx = (x - 380) / 420;
+        return Colour_Ramp(sky, y / 265 - 0.12f * dx * dx);
     });
     for (int star = 0; star < 90; ++star) {
-        const float x = Maths_Hash(star, 1), y = Maths_Hash(star, 2);
-        Canvas_Add(canvas, int(x * 512.0f), int(y * y * 160.0f),
-                   Colour_Scale(0xC0C8FF, (1.0f - y) * Maths_Hash(star, 3)));
+        const float x = Num_Hash(star, 1), y = Num_Hash(star, 2);
+        Canvas_Add(canvas, int(x * 512), int(y * y * 160),
+                   Colour_Scale(0xC0C8FF, (1 - y) * Num_Hash(star, 3)));
     }
 }
 
-float ridgeTop(int ridge, float x, float seconds) {
+float ridgeTop(int ridge, float x, float time) {
     const float nearness = float(ridge + 1) / float(ridgeCount);
-    const float shift = seconds * 9.0f * nearness * nearness + 300.0f * float(ridge);
-    const float shape =
-        Maths_Clouds((x + shift) / (150.0f - 12.0f * float(ridge)), float(ridge), 4);
-    return 190.0f + 150.0f * nearness - 130.0f * shape * (1.25f - 0.5f * nearness);
+    const float shift = time * 9 * nearness * nearness + 300 * float(ridge);
+    const float shape = Num_Clouds((x + shift) / (150 - 12 * float(ridge)), float(ridge), 4);
+    return 190 + 150 * nearness - 130 * shape * (1.25f - 0.5f * nearness);
 }
 
 // Mist gathers at the foot of each ridge, so that the next one stands out.
-void drawRidge(Canvas& canvas, int ridge, float seconds) {
+void drawRidge(Canvas& canvas, int ridge, float time) {
     const float nearness = float(ridge + 1) / float(ridgeCount);
     const Colour rock = Colour_Mix(0x7C5488, 0x080E20, nearness);
     const Colour mist = Colour_Mix(0xE09890, 0x182848, nearness);
     for (int x = 0; x < Canvas_Width; ++x) {
-        const float top = ridgeTop(ridge, float(x), seconds);
+        const float top = ridgeTop(ridge, float(x), time);
         for (int y = int(top); y < Canvas_Height; ++y) {
-            const float down = float(y) - top, fog = 0.75f * Maths_Smooth(0.0f, 110.0f, down);
+            const float down = float(y) - top, fog = 0.75f * Num_Smooth(0, 110, down);
             Canvas_Blend(canvas, x, y, Colour_Mix(rock, mist, fog), down + 0.9f);
         }
     }
@@ -62,34 +58,33 @@ void drawLantern(Canvas& canvas, Point at, float size, float flicker) {
 }
 
 // Lanterns of one depth: those of a far ridge are small, and pass behind the nearer ones.
-void drawLanterns(Canvas& canvas, int ridge, float seconds) {
+void drawLanterns(Canvas& canvas, int ridge, float time) {
     for (int lantern = ridge; lantern < lanternCount; lantern += ridgeCount) {
-        const float size = 1.8f + 1.9f * float(ridge) + 1.5f * Maths_Hash(lantern, 3);
-        const float rise = Maths_Fract(Maths_Hash(lantern) + seconds * (0.012f + 0.004f * size));
-        const float way = Maths_Fract(Maths_Hash(lantern, 2) + 0.006f * seconds * size);
-        const float sway = 16.0f * Maths_Sin(0.07f * seconds + Maths_Hash(lantern, 4));
-        drawLantern(canvas, {way * 600.0f - 44.0f + sway, 404.0f - 440.0f * rise}, size,
-                    0.8f + 0.2f * Maths_Noise(5.0f * seconds, float(lantern) * 3.0f));
+        const float size = 1.8f + 1.9f * float(ridge) + 1.5f * Num_Hash(lantern, 3);
+        const float rise = Num_Fract(Num_Hash(lantern) + time * (0.012f + 0.004f * size));
+        const float way = Num_Fract(Num_Hash(lantern, 2) + 0.006f * time * size);
+        const float sway = 16 * Num_Sin(0.07f * time + Num_Hash(lantern, 4));
+        drawLantern(canvas, {way * 600 - 44 + sway, 404 - 440 * rise}, size,
+                    0.8f + 0.2f * Num_Noise(5 * time, float(lantern) * 3));
     }
 }
 
 void drawSign(Canvas& canvas) {
     Letters_PaintTitle(canvas, sign, 12, 0x8C5050, [](float, float y) {
-        return Colour_Mix(0xFFF8D8, 0xF89838, (y - 20.0f) / 90.0f);
+        return Colour_Mix(0xFFF8D8, 0xF89838, (y - 20) / 90);
     });
-    Letters_Colour(canvas, below, Letters_Centred(below) + 1, 125, 0x301030);
-    Letters_Colour(canvas, below, Letters_Centred(below), 124, 0xFFF0D8);
+    Letters_Colour(canvas, line, Letters_Centred(line) + 1, 125, 0x301030);
+    Letters_Colour(canvas, line, Letters_Centred(line), 124, 0xFFF0D8);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     drawSky(canvas);
     for (int ridge = 0; ridge < ridgeCount; ++ridge) {
-        drawLanterns(canvas, ridge, seconds);
-        drawRidge(canvas, ridge, seconds);
+        drawLanterns(canvas, ridge, time);
+        drawRidge(canvas, ridge, time);
         if (ridge == 1)
             drawSign(canvas);
     }
-    drawLanterns(canvas, ridgeCount - 1, seconds + 40.0f);
+    drawLanterns(canvas, ridgeCount - 1, time + 40);
 }

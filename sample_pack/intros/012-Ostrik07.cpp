@@ -1,11 +1,8 @@
 // A poster of three letters, printed without end and turned and drawn near under the eye.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 7 KTZ";
 
 namespace {
-
 constexpr int tileSize = 256, mask = tileSize - 1;
 constexpr Colour red = 0xD8281C, cream = 0xF4E8CC, black = 0x181410, steel = 0x5C7C88;
 
@@ -37,7 +34,7 @@ void makeTile() {
 
 // The mean of the four nearest points of the tile.
 Colour readTile(float x, float y) {
-    const float left = Maths_Floor(x), top = Maths_Floor(y);
+    const float left = Num_Floor(x), top = Num_Floor(y);
     const int column = int(left), row = int(top), next = (column + 1) & mask;
     const Colour* upper = tile[row & mask];
     const Colour* lower = tile[(row + 1) & mask];
@@ -46,30 +43,26 @@ Colour readTile(float x, float y) {
 }
 
 // The darker a place, the farther it lies from the light that wanders over the table.
-float lightAt(float x, float y, float seconds) {
-    const float dx = (x - 256.0f - 150.0f * Maths_Sin(0.07f * seconds)) / 400.0f;
-    const float dy = (y - 170.0f - 80.0f * Maths_Sin(0.11f * seconds)) / 330.0f;
-    return Maths_Clamp(1.08f - dx * dx - dy * dy, 0.25f, 1.0f);
+float lightAt(float x, float y, float time) {
+    const float dx = (x - 256 - 150 * Num_Sin(0.07f * time)) / 400;
+    const float dy = (y - 170 - 80 * Num_Sin(0.11f * time)) / 330;
+    return Num_Clamp(1.08f - dx * dx - dy * dy, 0.25f, 1);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     if (tile[0][0] == 0)
         makeTile();
-    const float turn = 0.04f * seconds + 0.12f * Maths_Sin(0.09f * seconds);
-    const float zoom = 0.95f - 0.55f * Maths_Cos(0.10f * seconds);
-    const float cosine = zoom * Maths_Cos(turn), sine = zoom * Maths_Sin(turn);
-    const float driftX = 60.0f * seconds + 128.0f,
-                driftY = 110.0f + 90.0f * Maths_Sin(0.05f * seconds);
+    const float turn = 0.04f * time + 0.12f * Num_Sin(0.09f * time);
+    const float zoom = 0.95f - 0.55f * Num_Cos(0.10f * time);
+    const float cosine = zoom * Num_Cos(turn), sine = zoom * Num_Sin(turn);
+    const float left = 60 * time + 128, top = 110 + 90 * Num_Sin(0.05f * time);
     Canvas_Fill(canvas, [=](float x, float y) {
-        const float dx = x - Canvas_CentreX, dy = y - Canvas_CentreY;
-        const Colour ink =
-            readTile(dx * cosine - dy * sine + driftX, dx * sine + dy * cosine + driftY);
-        return Colour_Scale(ink, lightAt(x, y, seconds));
+        const float dx = x - Canvas_MidX, dy = y - Canvas_MidY;
+        const Colour ink = readTile(dx * cosine - dy * sine + left, dx * sine + dy * cosine + top);
+        return Colour_Scale(ink, lightAt(x, y, time));
     });
     Canvas_Bar(canvas, 0, 344, Canvas_Width, 26, black);
     Canvas_Bar(canvas, 0, 346, Canvas_Width, 22, red);
-    PixelFont_WriteCentred(canvas, "* * *  OSTRIK INTRO 7 - KTZ - FOR KETZIL  * * *", 353, 1,
-                           cream);
+    PixelFont_WriteCentred(canvas, "* * *  OSTRIK INTRO 7 - KTZ FOR KETZIL  * * *", 353, 1, cream);
 }

@@ -1,16 +1,13 @@
 // A flight over the mountains, drawn column by column from a map of heights, past marmots who sit
 // up to look.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 8 Marmots";
 
 namespace {
-
 constexpr int mapSize = 512, mask = mapSize - 1;
-constexpr float farthest = 420.0f;
+constexpr float farthest = 420;
 
-const Title name = Letters_MakeTitle("Marmots", Face::Serif, 80, Slant::Upright, 1.1f);
+const Title name = Letters_MakeTitle("Marmots", Face::Serif, 80);
 
 uint8_t heights[mapSize][mapSize];
 Colour ground[mapSize][mapSize];
@@ -18,55 +15,53 @@ Colour ground[mapSize][mapSize];
 // Hills that meet themselves at the borders of the map.
 float shapeHill(float x, float y) {
     constexpr float size = mapSize;
-    const float wide = Maths_Sin(x / size) * Maths_Cos(y / size) * 0.3f;
-    const float fold = Maths_Sin((3.0f * x + 2.0f * y) / size) * 0.18f;
-    const auto rough = [](float u, float v) { return Maths_Clouds(u / 64.0f, v / 64.0f, 6); };
+    const float wide = Num_Sin(x / size) * Num_Cos(y / size) * 0.3f;
+    const float fold = Num_Sin((3 * x + 2 * y) / size) * 0.18f;
+    const auto rough = [](float u, float v) { return Num_Clouds(u / 64, v / 64, 6); };
     const float upper[] = {rough(x, y), rough(x - size, y)};
     const float lower[] = {rough(x, y - size), rough(x - size, y - size)};
-    return Maths_Clamp(0.1f + wide + fold +
-                       0.75f * Maths_Between(upper, lower, Maths_Smooth(448.0f, 511.0f, x),
-                                             Maths_Smooth(448.0f, 511.0f, y)));
+    return Num_Clamp(
+        0.1f + wide + fold +
+        0.75f * Num_Between(upper, lower, Num_Smooth(448, 511, x), Num_Smooth(448, 511, y)));
 }
 
 // Meadow, rock and snow, one above the other, lit from the side.
 Colour shadeHill(int x, int y) {
-    const float height = float(heights[y][x]) / 255.0f, speck = Maths_Hash(x, y);
-    const float slope = float(heights[y][(x + 2) & mask] - heights[y][(x - 2) & mask]) / 40.0f;
-    const Colour meadow = Colour_Mix(0x2C5C20, 0x8CB040, height * 1.6f + 0.25f * speck - 0.2f);
-    const Colour rock =
-        Colour_Mix(meadow, 0x84786C, Maths_Smooth(0.44f, 0.6f, height + 0.05f * speck));
-    const Colour snow =
-        Colour_Mix(rock, 0xF8FCFF, Maths_Smooth(0.6f, 0.7f, height + 0.03f * speck));
-    return Colour_Scale(snow, Maths_Clamp(0.72f + 0.6f * slope, 0.3f, 1.0f));
+    const float height = float(heights[y][x]) / 255, grit = Num_Hash(x, y);
+    const float slope = float(heights[y][(x + 2) & mask] - heights[y][(x - 2) & mask]) / 40;
+    const Colour meadow = Colour_Mix(0x2C5C20, 0x8CB040, height * 1.6f + 0.25f * grit - 0.2f);
+    const Colour rock = Colour_Mix(meadow, 0x84786C, Num_Smooth(0.44f, 0.6f, height + grit / 20));
+    const Colour snow = Colour_Mix(rock, 0xF8FCFF, Num_Smooth(0.6f, 0.7f, height + grit / 30));
+    return Colour_Scale(snow, Num_Clamp(0.72f + 0.6f * slope, 0.3f, 1));
 }
 
 void makeMap() {
     for (int y = 0; y < mapSize; ++y)
         for (int x = 0; x < mapSize; ++x)
-            heights[y][x] = uint8_t(254.0f * shapeHill(float(x), float(y)));
+            heights[y][x] = uint8_t(254 * shapeHill(float(x), float(y)));
     for (int y = 0; y < mapSize; ++y)
         for (int x = 0; x < mapSize; ++x)
             ground[y][x] = shadeHill(x, y);
 }
 
-Colour shadeSky(float x, float y, float seconds) {
-    const float cloud = Maths_Clouds(x / 120.0f + 0.1f * seconds, y / 34.0f, 4);
-    return Colour_Mix(Colour_Mix(0x2868C8, 0xC8E4F8, y / 158.0f), 0xFFFFFF,
-                      Maths_Smooth(0.48f, 0.75f, cloud));
+Colour shadeSky(float x, float y, float time) {
+    const float cloud = Num_Clouds(x / 120 + 0.1f * time, y / 34, 4);
+    const Colour blue = Colour_Mix(0x2868C8, 0xC8E4F8, y / 158);
+    return Colour_Mix(blue, 0xFFFFFF, Num_Smooth(0.48f, 0.75f, cloud));
 }
 
 // From near to far: each part of the ground that stands higher than all before it is seen.
 void drawColumn(Canvas& canvas, int column, float turn, Point eye) {
-    const float side = (float(column) - Canvas_CentreX) / 300.0f;
-    const float stepX = Maths_Cos(turn) - side * Maths_Sin(turn);
-    const float stepY = Maths_Sin(turn) + side * Maths_Cos(turn);
+    const float side = (float(column) - Canvas_MidX) / 300;
+    const float stepX = Num_Cos(turn) - side * Num_Sin(turn);
+    const float stepY = Num_Sin(turn) + side * Num_Cos(turn);
     int covered = Canvas_Height;
-    for (float depth = 26.0f, step = 0.8f; depth < farthest && covered > 0; depth += step) {
+    for (float depth = 26, step = 0.8f; depth < farthest && covered > 0; depth += step) {
         const int x = int(eye.x + depth * stepX) & mask, y = int(eye.y + depth * stepY) & mask;
-        const float drop = 265.0f - 0.9f * float(heights[y][x]);
-        const int top = std::max(int(78.0f + 115.0f * drop / depth), 0);
+        const float drop = 265 - 0.9f * float(heights[y][x]);
+        const int top = std::max(int(78 + 115 * drop / depth), 0);
         if (top < covered) {
-            const float haze = Maths_Smooth(120.0f, farthest, depth);
+            const float haze = Num_Smooth(120, farthest, depth);
             Canvas_Bar(canvas, column, top, 1, covered - top,
                        Colour_Mix(ground[y][x], 0xB8D4EC, haze));
             covered = top;
@@ -87,33 +82,32 @@ constexpr Part parts[] = {
     {-14, 56, 7, 11, 0x845C34},   {12, 52, 8, 12, 0x7C5430}};
 
 // Sits up, ducks, and sits up again.
-void drawMarmot(Canvas& canvas, float left, float size, float seconds) {
-    const float up = Maths_Smooth(-0.9f, -0.5f, Maths_Sin(0.14f * seconds));
-    const float nod = 2.0f * Maths_Sin(0.8f * seconds), foot = 396.0f + (1.0f - up) * 92.0f * size;
+void drawMarmot(Canvas& canvas, float left, float size, float time) {
+    const float up = Num_Smooth(-0.9f, -0.5f, Num_Sin(0.14f * time));
+    const float nod = 2 * Num_Sin(0.8f * time), foot = 396 + (1 - up) * 92 * size;
     for (const Part& part : parts) {
         const Point centre = {left + size * part.x, foot - size * part.y + (part.y > 70 ? nod : 0)};
         Canvas_PaintBall(canvas, centre, part.wide * size, part.high * size,
                          [&](float x, float y, float) {
-                             const float hair = 0.14f * Maths_Hash(int(x * 40.0f), int(y * 40.0f));
+                             const float hair = 0.14f * Num_Hash(int(x * 40), int(y * 40));
                              return Colour_Scale(part.fur, 0.85f - 0.3f * x - 0.12f * y + hair);
                          });
     }
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     if (heights[0][0] == 0)
         makeMap();
-    Canvas_Fill(canvas, [=](float x, float y) { return y < 200 ? shadeSky(x, y, seconds) : 0; });
+    Canvas_Fill(canvas, [=](float x, float y) { return y < 200 ? shadeSky(x, y, time) : 0; });
     Letters_PaintTitle(canvas, name, 14, 0x3C68A0, [](float x, float y) {
-        const bool isSnow = y < 34.0f + 9.0f * Maths_Noise(x / 9.0f, 3.0f);
-        return isSnow ? 0xFFFFFF : Colour_Mix(0x8CA0B8, 0x4C6488, (y - 34.0f) / 40.0f);
+        const bool isSnow = y < 34 + 9 * Num_Noise(x / 9, 3);
+        return isSnow ? 0xFFFFFF : Colour_Mix(0x8CA0B8, 0x4C6488, (y - 34) / 40);
     });
-    const float turn = 0.10f + 0.08f * Maths_Sin(0.035f * seconds);
-    const Point eye = {40.0f + 34.0f * seconds, 100.0f + 90.0f * Maths_Sin(0.02f * seconds)};
+    const float turn = 0.10f + 0.08f * Num_Sin(0.035f * time);
+    const Point eye = {40 + 34 * time, 100 + 90 * Num_Sin(0.02f * time)};
     for (int column = 0; column < Canvas_Width; ++column)
         drawColumn(canvas, column, turn, eye);
-    drawMarmot(canvas, 412.0f, 1.35f, seconds);
-    drawMarmot(canvas, 322.0f, 0.7f, seconds * 1.2f + 3.4f);
+    drawMarmot(canvas, 412, 1.35f, time);
+    drawMarmot(canvas, 322, 0.7f, time * 1.2f + 3.4f);
 }

@@ -1,16 +1,13 @@
 // A picture that comes off a tape: first a tone, then its lines in an odd order, in black and
 // white, then the colours, square by square.
-
 #include "stage.h"
-
 const char Intro_Title[] = "WRaS - The Wren and Sparrow Loader";
 
 namespace {
-
 constexpr int left = 64, top = 48, width = 384, height = 288;
 constexpr int square = 16; // the side of a colour square; lines come in groups of it
 constexpr int columns = width / square, squares = columns * (height / square);
-constexpr float toneSeconds = 1.0f, lineSeconds = 8.0f, colourSeconds = 3.0f, showSeconds = 8.0f;
+constexpr float toneTime = 1, lineTime = 8, colourTime = 3, showTime = 8;
 
 const Lettering name = Letters_Make("The Wren and Sparrow", Face::Serif, 38, Slant::Italic);
 
@@ -18,15 +15,14 @@ Canvas picture; // as it is when all is loaded
 
 void drawLeaf(Point root, float turn, Colour colour) {
     const auto at = [=](float along, float across) {
-        return Point{root.x + 28.0f * (along * Maths_Cos(turn) - across * Maths_Sin(turn)),
-                     root.y + 28.0f * (along * Maths_Sin(turn) + across * Maths_Cos(turn))};
+        return Point{root.x + 28 * (along * Num_Cos(turn) - across * Num_Sin(turn)),
+                     root.y + 28 * (along * Num_Sin(turn) + across * Num_Cos(turn))};
     };
     Canvas_Polygon(picture, {at(0, 0), at(0.4f, 0.22f), at(1, 0), at(0.4f, -0.22f)}, colour);
 }
 
 // A small round bird; `side` -1 looks to the left, `tail` is how steeply the tail stands.
-void drawBird(Point at, float side, float tail, float size, Colour back, Colour breast,
-              Colour wing) {
+void drawBird(Point at, float side, float tail, float size, Colour back, Colour front, Colour fan) {
     const auto place = [=](float x, float y) {
         return Point{at.x + side * size * x, at.y + size * y};
     };
@@ -34,35 +30,34 @@ void drawBird(Point at, float side, float tail, float size, Colour back, Colour 
         Canvas_PaintBall(picture, place(x, y), size * wide, size * high,
                          [=](float, float, float) { return colour; });
     };
-    Canvas_Polygon(
-        picture,
-        {place(-30, -2), place(-62, -40 * tail), place(-48, -48 * tail - 8), place(-18, -18)},
-        wing);
+    const Point tails[] = {place(-18, -18), place(-30, -2), place(-62, -40 * tail),
+                           place(-48, -48 * tail - 8)};
+    Canvas_Polygon(picture, tails, fan);
     Canvas_Polygon(picture, {place(46, -30), place(66, -25), place(46, -20)}, 0xE8A010);
     ball(0, 0, 37, 29, back);
-    ball(16, 7, 24, 21, breast);
+    ball(16, 7, 24, 21, front);
     ball(30, -26, 19, 18, back);
     ball(36, -29, 3, 3, 0x000000);
     ball(35, -30, 1.2f, 1.2f, 0xFFFFFF);
-    Canvas_Polygon(picture, {place(12, -16), place(-40, 2), place(-22, 12), place(4, 12)}, wing);
+    Canvas_Polygon(picture, {place(12, -16), place(-40, 2), place(-22, 12), place(4, 12)}, fan);
     Canvas_Line(picture, place(-4, 26), place(-1, 48), 2.5f, 0x502808);
     Canvas_Line(picture, place(10, 26), place(13, 48), 2.5f, 0x502808);
 }
 
 void drawPicture() {
     Canvas_Fill(picture, [](float x, float y) {
-        const float dx = x - 256.0f, dy = y - 170.0f;
-        const bool ray = Maths_Fract(std::atan2(dy, dx) * 16.0f / Maths_Turn) < 0.5f;
-        return dx * dx + dy * dy < 84.0f * 84.0f ? 0xFFF0A0u : ray ? 0x30B8E8u : 0x58D0F8u;
+        const float dx = x - 256, dy = y - 170;
+        const bool ray = Num_Fract(std::atan2(dy, dx) * 16 / Num_Turn) < 0.5f;
+        return dx * dx + dy * dy < 84 * 84 ? 0xFFF0A0u : ray ? 0x30B8E8u : 0x58D0F8u;
     });
-    Canvas_Line(picture, {40, 292}, {480, 252}, 9.0f, 0x603008);
-    Canvas_Line(picture, {330, 264}, {450, 200}, 5.0f, 0x603008);
+    Canvas_Line(picture, {40, 292}, {480, 252}, 9, 0x603008);
+    Canvas_Line(picture, {330, 264}, {450, 200}, 5, 0x603008);
     for (int leaf = 0; leaf < 22; ++leaf)
-        drawLeaf({70.0f + 18.0f * float(leaf), 291.0f - 1.7f * float(leaf)},
-                 0.1f * Maths_Hash(leaf) + (leaf & 1 ? 0.12f : -0.2f),
+        drawLeaf({70 + 18 * float(leaf), 291 - 1.7f * float(leaf)},
+                 0.1f * Num_Hash(leaf) + (leaf & 1 ? 0.12f : -0.2f),
                  leaf % 3 ? 0x189028 : 0x50C030);
-    drawBird({178, 226}, 1.0f, 1.2f, 0.95f, 0x8C4818, 0xE8C890, 0x582808);
-    drawBird({328, 208}, -1.0f, -0.5f, 1.15f, 0x787078, 0xF0E8E0, 0x904010);
+    drawBird({178, 226}, 1, 1.2f, 0.95f, 0x8C4818, 0xE8C890, 0x582808);
+    drawBird({328, 208}, -1, -0.5f, 1.15f, 0x787078, 0xF0E8E0, 0x904010);
     Letters_Colour(picture, name, Letters_Centred(name) + 2, 60, 0xFFFFFF);
     Letters_Colour(picture, name, Letters_Centred(name), 58, 0x181880);
 }
@@ -74,14 +69,12 @@ int lineOrder(int y) {
     return y / third * third + y % square * groups + y % third / square;
 }
 
-void drawBorder(Canvas& canvas, float time, float seconds) {
-    const bool isTone = time<toneSeconds, isQuiet = time> toneSeconds + lineSeconds + colourSeconds;
-    const float shift = Maths_Fract(seconds * (isTone ? 0.7f : 17.0f)) * 48.0f;
+void drawBorder(Canvas& canvas, float phase, float time) {
+    const bool isTone = phase<toneTime, isQuiet = phase> toneTime + lineTime + colourTime;
+    const float shift = Num_Fract(time * (isTone ? 0.7f : 17)) * 48;
     for (int y = 0; y < Canvas_Height; ++y) {
-        const bool bit = Maths_Hash(y / 24, int(seconds * 50.0f)) < 0.5f;
-        const bool high = Maths_Fract((float(y) + shift) / (isTone ? 24.0f
-                                                            : bit  ? 12.0f
-                                                                   : 6.0f)) < 0.5f;
+        const bool bit = Num_Hash(y / 24, int(time * 50)) < 0.5f;
+        const bool high = Num_Fract((float(y) + shift) / (isTone ? 24 : bit ? 12 : 6)) < 0.5f;
         const Colour tone = high ? 0xD01010 : 0x10D0D0, data = high ? 0xE0E010 : 0x1010C8;
         Canvas_Bar(canvas, 0, y, Canvas_Width, 1, isQuiet ? 0x1010C8 : isTone ? tone : data);
     }
@@ -95,19 +88,18 @@ Colour shadeLoaded(int x, int y, float lines, float colours) {
     const bool isInk = light < ((x ^ y) & 1 ? 683 : 428);
     return isInk && float(lineOrder(y)) <= lines ? 0x000000 : 0xD0D0D0;
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     if (picture.pixels[0][0] == 0)
         drawPicture();
-    const float time = std::fmod(seconds, toneSeconds + lineSeconds + colourSeconds + showSeconds);
-    const float lines = (time - toneSeconds) / lineSeconds * float(height);
-    const float colours = (time - toneSeconds - lineSeconds) / colourSeconds * float(squares);
-    drawBorder(canvas, time, seconds);
+    const float phase = std::fmod(time, toneTime + lineTime + colourTime + showTime);
+    const float lines = (phase - toneTime) / lineTime * float(height);
+    const float colours = (phase - toneTime - lineTime) / colourTime * float(squares);
+    drawBorder(canvas, phase, time);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             canvas.pixels[top + y][left + x] = shadeLoaded(x, y, lines, colours);
-    if (lines < 0.0f)
+    if (lines < 0)
         PixelFont_Write(canvas, "NOW: WREN + SPARROW", left + 2, top + 8, 2, 0x000000);
 }

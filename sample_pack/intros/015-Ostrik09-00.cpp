@@ -1,17 +1,14 @@
 // Grapes that run into each other: balls whose surfaces melt where they come close, on the label of
 // a bottle.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 Dornfeld";
 
 namespace {
-
 constexpr int ballCount = 13;
 constexpr int halfWidth = Canvas_Width / 2, halfHeight = Canvas_Height / 2;
 constexpr Colour skin[] = {0x14020C, 0x3C0828, 0x701048, 0xA82868, 0xE87898, 0xFFF0F0};
 
-const Lettering name = Letters_Make("Dornfeld", Face::Serif, 66, Slant::Italic, 1.1f);
+const Lettering name = Letters_Make("Dornfeld", Face::Serif, 66, Slant::Italic);
 const Lettering above = Letters_Make("OSTRIK  \267  INTRO  9", Face::Serif, 19);
 
 float field[halfHeight + 1][halfWidth + 1]; // at every second pixel
@@ -19,89 +16,87 @@ Canvas label;
 
 // Paper in a dark frame, with two lines of gold.
 Colour shadeLabel(float x, float y) {
-    const float grain =
-        0.05f * Maths_Noise(x / 3.0f, y / 50.0f) + 0.06f * Maths_Noise(x / 80.0f, y / 80.0f);
-    const int edge = int(std::min(std::min(x, 511.0f - x), std::min(y, 383.0f - y)));
+    const float grain = 0.05f * Num_Noise(x / 3, y / 50) + 0.06f * Num_Noise(x / 80, y / 80);
+    const int edge = int(std::min(std::min(x, 511 - x), std::min(y, 383 - y)));
     if (edge < 14)
         return Colour_Make(0.05f, 0.10f + grain, 0.06f);
     if ((edge >= 20 && edge < 23) || edge == 26)
-        return Colour_Mix(0xB08830, 0xE8CC80, Maths_Noise((x + y) / 30.0f, 0.0f));
+        return Colour_Mix(0xB08830, 0xE8CC80, Num_Noise((x + y) / 30, 0));
     return Colour_Make(0.93f - grain, 0.88f - grain, 0.76f - grain);
 }
 
 // The bunch hangs together in rows of five, four, three and one, and still never rests.
-Point placeBall(int ball, float seconds) {
+Point placeBall(int ball, float time) {
     const int row = ball < 5 ? 0 : ball < 9 ? 1 : ball < 12 ? 2 : 3;
     const int column = ball - (row == 0 ? 0 : row == 1 ? 5 : row == 2 ? 9 : 12);
-    const float x = 128.0f + 34.0f * float(column) - (row == 3 ? 0.0f : 68.0f - 17.0f * float(row));
+    const float x = 128 + 34 * float(column) - (row == 3 ? 0 : 68 - 17 * float(row));
     const float phase = float(ball) * 0.381966f;
-    return {x + 6.0f * Maths_Sin(phase + 0.13f * seconds),
-            46.0f + 25.0f * float(row) + 6.0f * Maths_Sin(2.6f * phase + 0.17f * seconds)};
+    return {x + 6 * Num_Sin(phase + 0.13f * time),
+            46 + 25 * float(row) + 6 * Num_Sin(2.6f * phase + 0.17f * time)};
 }
 
 void addBall(Point centre, float size) {
     for (int y = 0; y <= halfHeight; ++y)
         for (int x = 0; x <= halfWidth; ++x) {
             const float dx = float(x) - centre.x, dy = float(y) - centre.y;
-            const float pull = size / (dx * dx + dy * dy + 1.0f);
+            const float pull = size / (dx * dx + dy * dy + 1);
             field[y][x] += pull * pull * pull;
         }
 }
 
 // For a ball alone the field becomes the square of the distance from its middle, 1 at its skin.
-void makeField(float seconds) {
+void makeField(float time) {
     for (auto& row : field)
         std::fill_n(row, halfWidth + 1, 0.001f);
     for (int ball = 0; ball < ballCount; ++ball)
-        addBall(placeBall(ball, seconds), 330.0f + 110.0f * Maths_Hash(ball));
+        addBall(placeBall(ball, time), 330 + 110 * Num_Hash(ball));
     for (auto& row : field)
         for (float& place : row)
-            place = 1.0f / std::cbrt(place);
+            place = 1 / std::cbrt(place);
 }
 
 float fieldAt(int x, int y) {
-    return Maths_Between(&field[y / 2][x / 2], &field[y / 2 + 1][x / 2], 0.5f * float(x & 1),
-                         0.5f * float(y & 1));
+    return Num_Between(&field[y / 2][x / 2], &field[y / 2 + 1][x / 2], 0.5f * float(x & 1),
+                       0.5f * float(y & 1));
 }
 
 // The slope of the field is the way the skin looks.
 Colour shadeGrape(int x, int y, float level) {
     const float* here = &field[y / 2][x / 2];
     const float lookX = 9.5f * (here[1] - here[0]), lookY = 9.5f * (here[halfWidth + 1] - here[0]);
-    const float front = std::sqrt(std::fmax(1.0f - lookX * lookX - lookY * lookY, 0.0f));
+    const float front = std::sqrt(std::fmax(1 - lookX * lookX - lookY * lookY, 0.0f));
     const float light = -0.42f * lookX - 0.52f * lookY + 0.62f * front;
-    const float rim = 0.22f * level * level * level * Maths_Clamp(lookX + lookY);
-    const float bloom = 0.09f * Maths_Noise(float(x) / 12.0f, float(y) / 12.0f);
+    const float rim = 0.22f * level * level * level * Num_Clamp(lookX + lookY);
+    const float bloom = 0.09f * Num_Noise(float(x) / 12, float(y) / 12);
     const float aimX = lookX + 0.38f, aimY = lookY + 0.45f;
-    const float spark = Maths_Smooth(0.06f, 0.0f, aimX * aimX + aimY * aimY);
+    const float spark = Num_Smooth(0.06f, 0, aimX * aimX + aimY * aimY);
     return Colour_Mix(Colour_Ramp(skin, 0.08f + 0.66f * light + rim + bloom), 0xFFF4F8, spark);
 }
 
 Colour shade(int x, int y) {
-    const float level = fieldAt(x, y), inside = Maths_Smooth(1.02f, 0.95f, level);
-    const float shadow = Maths_Smooth(1.9f, 0.8f, fieldAt(std::max(x - 8, 0), std::max(y - 10, 0)));
-    const Colour paper = Colour_Scale(label.pixels[y][x], 1.0f - 0.42f * shadow);
-    return inside > 0.0f ? Colour_Mix(paper, shadeGrape(x, y, level), inside) : paper;
+    const float level = fieldAt(x, y), inside = Num_Smooth(1.02f, 0.95f, level);
+    const float shadow = Num_Smooth(1.9f, 0.8f, fieldAt(std::max(x - 8, 0), std::max(y - 10, 0)));
+    const Colour paper = Colour_Scale(label.pixels[y][x], 1 - 0.42f * shadow);
+    return inside > 0 ? Colour_Mix(paper, shadeGrape(x, y, level), inside) : paper;
 }
 
 void drawStalk(Canvas& canvas) {
     constexpr Point leaf[] = {{300, 40}, {322, 26}, {330, 38}, {356, 30},  {360, 48}, {388, 58},
                               {364, 70}, {366, 92}, {342, 84}, {326, 104}, {316, 80}, {294, 78}};
-    Canvas_Line(canvas, {256, 92}, {262, 36}, 7.0f, 0x5C4420);
-    Canvas_Line(canvas, {214, 38}, {312, 34}, 8.0f, 0x4C3818);
+    Canvas_Line(canvas, {256, 92}, {262, 36}, 7, 0x5C4420);
+    Canvas_Line(canvas, {214, 38}, {312, 34}, 8, 0x4C3818);
     Canvas_PaintPolygon(canvas, leaf, [](float x, float y) {
-        const float vein = std::fabs(y - 40.0f - 0.42f * (x - 300.0f));
-        const float light = 0.55f + 0.3f * Maths_Noise(x / 15.0f, y / 15.0f);
+        const float vein = std::fabs(y - 40 - 0.42f * (x - 300));
+        const float light = 0.55f + 0.3f * Num_Noise(x / 15, y / 15);
         return Colour_Scale(vein < 1.2f ? 0xC8D078 : 0x6C9C30, light);
     });
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     if (label.pixels[0][0] == 0)
         Canvas_Fill(label, shadeLabel);
-    makeField(seconds);
+    makeField(time);
     Canvas_Fill(canvas, [](float x, float y) { return shade(int(x), int(y)); });
     drawStalk(canvas);
     Letters_Colour(canvas, above, Letters_Centred(above), 270, 0x6C5020);

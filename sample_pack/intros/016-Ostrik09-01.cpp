@@ -1,98 +1,89 @@
 // Grains of sand that the wind makes into a ball, a lark and a ring.
-
 #include "space.h"
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 M1 Sandlark";
 
 namespace {
-
 constexpr int grainCount = 4200;
-constexpr float secondsEach = 5.0f;
+constexpr float secondsEach = 5;
 constexpr float golden = 0.6180340f;
 
 const Lettering name = Letters_Make("Sandlark", Face::Serif, 86, Slant::Italic);
 
 Vector onBall(int grain) {
-    const float height = 1.0f - 2.0f * (float(grain) + 0.5f) / float(grainCount);
-    const float radius = std::sqrt(1.0f - height * height), turn = golden * float(grain);
-    return {radius * Maths_Cos(turn), height, radius * Maths_Sin(turn)};
+    const float height = 1 - 2 * (float(grain) + 0.5f) / float(grainCount);
+    const float radius = std::sqrt(1 - height * height), turn = golden * float(grain);
+    return {radius * Num_Cos(turn), height, radius * Num_Sin(turn)};
 }
 
 Vector onRing(int grain) {
-    const float along = float(grain) / float(grainCount) * 89.0f, turn = golden * float(grain);
-    const float radius = 0.85f + 0.38f * Maths_Cos(turn);
-    return {radius * Maths_Cos(along), 0.38f * Maths_Sin(turn), radius * Maths_Sin(along)};
+    const float along = float(grain) / float(grainCount) * 89, turn = golden * float(grain);
+    const float radius = 0.85f + 0.38f * Num_Cos(turn);
+    return {radius * Num_Cos(along), 0.38f * Num_Sin(turn), radius * Num_Sin(along)};
 }
 
 // Half of the grains are body, head and tail, the others are the beating wings.
-Vector onLark(int grain, float seconds) {
-    const float u = Maths_Hash(grain, 11), v = Maths_Hash(grain, 12);
-    const float side = grain & 2 ? 1.0f : -1.0f;
+Vector onLark(int grain, float time) {
+    const float u = Num_Hash(grain, 11), v = Num_Hash(grain, 12);
+    const float side = grain & 2 ? 1 : -1;
     if (grain & 1) {
-        const float span = std::sqrt(u) * 1.45f, beat = Maths_Sin(1.4f * seconds - 0.12f * span);
-        const float sweep = 0.84f * (1.0f - span / 1.7f) * (v - 0.5f);
+        const float span = std::sqrt(u) * 1.45f, beat = Num_Sin(1.4f * time - 0.12f * span);
+        const float sweep = 0.84f * (1 - span / 1.7f) * (v - 0.5f);
         return {0.1f - 0.2f * span + sweep, -0.05f - 0.55f * beat * span, side * (span + 0.08f)};
     }
     const float along = u * 2.3f - 1.2f;
     const float fat = along > 0.55f ? 0.29f * std::sqrt(std::fmax(1.15f - along, 0.0f))
-                                    : 0.32f * Maths_Smooth(-1.1f, 0.3f, along) + 0.03f;
-    const float fan = along < -0.6f ? 0.5f * (-0.6f - along) : 0.0f;
-    return {along, fat * Maths_Sin(v) - 0.10f * along, fat * Maths_Cos(v) + side * fan * v};
+                                    : 0.32f * Num_Smooth(-1.1f, 0.3f, along) + 0.03f;
+    const float fan = along < -0.6f ? 0.5f * (-0.6f - along) : 0;
+    return {along, fat * Num_Sin(v) - 0.10f * along, fat * Num_Cos(v) + side * fan * v};
 }
 
-Vector onShape(int shape, int grain, float seconds) {
+Vector onShape(int shape, int grain, float time) {
     switch (shape % 3) {
     case 0: return onBall(grain);
-    case 1: return onLark(grain, seconds);
+    case 1: return onLark(grain, time);
     default: return onRing(grain);
     }
 }
 
-// On the way from one shape to the next each grain takes its own time and is blown aside.
-Vector placeGrain(int grain, float seconds) {
-    const float place = seconds / secondsEach + 0.45f,
-                start = 0.55f + 0.22f * Maths_Hash(grain, 21);
-    const float share = Maths_Smooth(start, start + 0.22f, Maths_Fract(place));
-    const Vector from = onShape(int(place), grain, seconds),
-                 to = onShape(int(place) + 1, grain, seconds);
-    const float gust = 4.0f * share * (1.0f - share) * Maths_Hash(grain, 22);
-    return from * (1.0f - share) + to * share + Vector{0.9f * gust, -0.3f * gust, 0.4f * gust};
+// On the way from one shape to the next each grain leaves at its own moment and is blown aside.
+Vector placeGrain(int grain, float time) {
+    const float place = time / secondsEach + 0.45f, start = 0.55f + 0.22f * Num_Hash(grain, 21);
+    const float share = Num_Smooth(start, start + 0.22f, Num_Fract(place));
+    const Vector from = onShape(int(place), grain, time), to = onShape(int(place) + 1, grain, time);
+    const float gust = 4 * share * (1 - share) * Num_Hash(grain, 22);
+    return from * (1 - share) + to * share + Vector{0.9f * gust, -0.3f * gust, 0.4f * gust};
 }
 
-Colour shadeDesert(float x, float y, float seconds) {
-    const float down =
-        y - 292.0f - 18.0f * Maths_Sin(x / 420.0f + 0.15f) - 7.0f * Maths_Sin(x / 150.0f);
-    if (down < 0.0f)
-        return Colour_Mix(0x78A8C0, 0xFCE8C4, y / 300.0f);
-    const float rib = y / 9.0f + 0.8f * Maths_Noise(x / 50.0f, down / 20.0f) + x / 160.0f;
-    const float grit = 0.05f * Maths_Hash(int(x), int(y));
-    return Colour_Scale(Colour_Mix(0xF4D498, 0xC88848, down / 110.0f),
-                        0.86f + 0.05f * Maths_Sin(rib - 0.05f * seconds) + grit);
+Colour shadeDesert(float x, float y, float time) {
+    const float down = y - 292 - 18 * Num_Sin(x / 420 + 0.15f) - 7 * Num_Sin(x / 150);
+    if (down < 0)
+        return Colour_Mix(0x78A8C0, 0xFCE8C4, y / 300);
+    const float rib = y / 9 + 0.8f * Num_Noise(x / 50, down / 20) + x / 160;
+    const float grit = 0.05f * Num_Hash(int(x), int(y));
+    return Colour_Scale(Colour_Mix(0xF4D498, 0xC88848, down / 110),
+                        0.86f + 0.05f * Num_Sin(rib - 0.05f * time) + grit);
 }
 
-void drawGrain(Canvas& canvas, int grain, float seconds) {
-    const Vector turns = {0.03f * Maths_Sin(0.11f * seconds), 0.06f * seconds + 0.4f,
-                          0.03f * Maths_Sin(0.09f * seconds)};
-    const Vector turned = Space_Rotate(placeGrain(grain, seconds), turns);
-    Canvas_Blend(canvas, int(256.0f + 120.0f * turned.x), int(330.0f - 26.0f * turned.z), 0x603010,
-                 0.16f);
-    const Point point = Space_Project(turned + Vector{0.0f, -0.28f, 3.4f}, 400.0f);
-    const float nearness = Maths_Clamp(0.5f - 0.45f * turned.z);
+void drawGrain(Canvas& canvas, int grain, float time) {
+    const Vector turns = {0.03f * Num_Sin(0.11f * time), 0.06f * time + 0.4f, 0.0f};
+    const Vector turned = Space_Rotate(placeGrain(grain, time), turns);
+    Canvas_Blend(canvas, int(256 + 120 * turned.x), int(330 - 26 * turned.z), 0x603010, 0.16f);
+    const Point point = Space_Project(turned + Vector{0, -0.28f, 3.4f}, 400);
+    const float nearness = Num_Clamp(0.5f - 0.45f * turned.z);
     const Colour tint = Colour_Mix(0xC89058, 0x401808, nearness);
     Canvas_Blend(canvas, int(point.x), int(point.y), tint, 0.35f + 0.65f * nearness);
     Canvas_Blend(canvas, int(point.x) + 1, int(point.y), tint, 0.8f * nearness);
     Canvas_Blend(canvas, int(point.x), int(point.y) + 1, tint, 0.5f * nearness);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    Canvas_Fill(canvas, [=](float x, float y) { return shadeDesert(x, y, seconds); });
+void Intro_Draw(Canvas& canvas, float time) {
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeDesert(x, y, time); });
     Letters_Colour(canvas, name, Letters_Centred(name) + 2, 294, 0xFFF0C8);
     Letters_Paint(canvas, name, Letters_Centred(name), 292, [](float x, float y) {
-        return Colour_Mix(0x502008, 0x985020, 0.6f * Maths_Hash(int(x), int(y)) + y / 200.0f);
+        return Colour_Mix(0x502008, 0x985020, 0.6f * Num_Hash(int(x), int(y)) + y / 200);
     });
     for (int grain = 0; grain < grainCount; ++grain)
-        drawGrain(canvas, grain, seconds);
+        drawGrain(canvas, grain, time);
 }

@@ -1,14 +1,11 @@
 // Life in standing water: two substances of which one feeds on the other. Where that is so spots
 // form, grow and divide like cells under a lens.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 M2 Brackwater";
 
 namespace {
-
 constexpr int pondWidth = Canvas_Width / 2, pondHeight = Canvas_Height / 2;
-constexpr float stepsPerSecond = 420.0f;
+constexpr float stepsPerSecond = 420;
 constexpr int earlySteps = 1600;
 constexpr float feed = 0.0340f, kill = 0.0618f;
 constexpr Colour water[] = {0x051410, 0x0A2C28, 0x14564C, 0x2E8C68, 0x8CC070, 0xE8E890, 0xFFFFE8};
@@ -28,9 +25,9 @@ int current = 0;
 void sowPond() {
     for (int y = 0; y < pondHeight + 2; ++y)
         for (int x = 0; x < pondWidth + 2; ++x) {
-            const bool isSown = Maths_Hash(x / 6, y / 6) < 0.08f;
-            ponds[0].food[y][x] = isSown ? 0.5f : 1.0f;
-            ponds[0].life[y][x] = isSown ? 0.3f + 0.1f * Maths_Hash(x, y) : 0.0f;
+            const bool isSown = Num_Hash(x / 6, y / 6) < 0.08f;
+            ponds[0].food[y][x] = isSown ? 0.5f : 1;
+            ponds[0].life[y][x] = isSown ? 0.3f + 0.1f * Num_Hash(x, y) : 0;
         }
 }
 
@@ -60,35 +57,34 @@ void stepPond() {
     for (int y = 1; y <= pondHeight; ++y)
         for (int x = 1; x <= pondWidth; ++x) {
             const float food = now.food[y][x], life = now.life[y][x], eaten = food * life * life;
-            next.food[y][x] = food + spread(now.food, x, y) - eaten + feed * (1.0f - food);
+            next.food[y][x] = food + spread(now.food, x, y) - eaten + feed * (1 - food);
             next.life[y][x] = life + 0.5f * spread(now.life, x, y) + eaten - (feed + kill) * life;
         }
 }
 
 // Light from the upper left over bodies that are as high as they are alive.
-Colour shadePond(float x, float y, float seconds) {
+Colour shadePond(float x, float y, float time) {
     const Layer& life = ponds[current].life;
     const int column = int(x) / 2 + 1, row = int(y) / 2 + 1;
-    const float height = Maths_Between(&life[row][column], &life[row + 1][column],
-                                       Maths_Fract(x / 2.0f), Maths_Fract(y / 2.0f));
+    const float height =
+        Num_Between(&life[row][column], &life[row + 1][column], Num_Fract(x / 2), Num_Fract(y / 2));
     const float slope = life[row + 1][column + 1] - life[row - 1][column - 1];
-    const float gleam = 0.10f * Maths_Noise(x / 90.0f + 0.3f * seconds, y / 60.0f);
-    return Colour_Ramp(water, gleam + 1.9f * height + 2.0f * slope);
+    const float gleam = 0.10f * Num_Noise(x / 90 + 0.3f * time, y / 60);
+    return Colour_Ramp(water, gleam + 1.9f * height + 2 * slope);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    if (ponds[0].food[0][0] == 0.0f) {
+void Intro_Draw(Canvas& canvas, float time) {
+    if (ponds[0].food[0][0] == 0) {
         sowPond();
         for (int early = 0; early < earlySteps; ++early)
             stepPond();
     }
-    for (int due = Stage_TakeSteps(seconds, stepsPerSecond); due > 0; --due)
+    for (int due = Stage_TakeSteps(time, stepsPerSecond); due > 0; --due)
         stepPond();
-    Canvas_Fill(canvas, [=](float x, float y) { return shadePond(x, y, seconds); });
+    Canvas_Fill(canvas, [=](float x, float y) { return shadePond(x, y, time); });
     Letters_PaintTitle(canvas, name, 146, 0x04100C, [=](float x, float y) {
-        const float gleam = 0.3f * Maths_Sin(x / 200.0f + 0.3f * seconds);
-        return Colour_Mix(0xFFFCE0, 0x9CC8A0, y / 84.0f + gleam);
+        const float gleam = 0.3f * Num_Sin(x / 200 + 0.3f * time);
+        return Colour_Mix(0xFFFCE0, 0x9CC8A0, y / 84 + gleam);
     });
 }

@@ -1,13 +1,10 @@
 // Bodies bristling with quills tumble over a sheet of paper, drawn in ink: what lies behind is
 // hidden, what lies in shade is hatched.
-
 #include "space.h"
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 M3 Tumblequill";
 
 namespace {
-
 constexpr Colour paper = 0xF2E6C8, ink = 0x241C38;
 constexpr int bodyCount = 3;
 constexpr int sides = 3 * Space_BallFaces; // a quill of three sides on each face of the ball
@@ -20,10 +17,10 @@ struct Side {
 };
 
 // Thrown across the sheet, bouncing from lower edge to lower edge.
-Vector placeBody(int number, float seconds) {
-    const float share = Maths_Fract(seconds * 0.065f + float(number) / float(bodyCount) + 0.12f);
-    const float hop = Maths_Fract(share * 3.0f);
-    return {4.4f * share - 2.2f, 0.52f - 2.6f * hop * (1.0f - hop), 3.6f};
+Vector placeBody(int number, float time) {
+    const float share = Num_Fract(time * 0.065f + float(number) / float(bodyCount) + 0.12f);
+    const float hop = Num_Fract(share * 3);
+    return {4.4f * share - 2.2f, 0.52f - 2.6f * hop * (1 - hop), 3.6f};
 }
 
 Side makeSide(Vector place, Vector one, Vector other, Vector tip) {
@@ -31,7 +28,7 @@ Side makeSide(Vector place, Vector one, Vector other, Vector tip) {
     Side side = {};
     for (int corner = 0; corner < 3; ++corner) {
         const Vector placed = corners[corner] * 0.42f + place;
-        side.corners[corner] = Space_Project(placed, 410.0f);
+        side.corners[corner] = Space_Project(placed, 410);
         side.depth += placed.z;
     }
     side.light = Space_Dot(Space_FaceNormal(one, other, tip), {-0.54f, -0.72f, -0.45f});
@@ -45,7 +42,7 @@ void makeSides(Vector place, Vector turns, float quill, Side (&list)[sides]) {
         Vector corners[3], tip = {0, 0, 0};
         for (int corner = 0; corner < 3; ++corner) {
             corners[corner] = Space_Rotate(Space_BallCorner[face[corner]], turns);
-            tip = tip + corners[corner] * (quill / 3.0f);
+            tip = tip + corners[corner] * (quill / 3);
         }
         for (int corner = 0; corner < 3; ++corner)
             list[made++] = makeSide(place, corners[corner], corners[(corner + 1) % 3], tip);
@@ -55,17 +52,19 @@ void makeSides(Vector place, Vector turns, float quill, Side (&list)[sides]) {
 
 // Strokes of a pen, denser in deeper shade; they lie on the sheet and not on the body.
 Colour hatch(float x, float y, float light) {
-    const float jitter = 0.6f * Maths_Noise(x / 5.0f, y / 5.0f);
-    const bool first = Maths_Fract((x + y + jitter) / 5.0f) < 0.24f && light < 0.35f;
-    const bool second = Maths_Fract((x - y + jitter) / 5.0f) < 0.24f && light < -0.15f;
-    return Colour_Mix(0xFBF4E0, ink, (first ? 0.75f : 0.0f) + (second ? 0.6f : 0.0f));
+    if (light >= 0.35f)
+        return 0xFBF4E0;
+    const float jitter = 0.6f * Num_Noise(x / 5, y / 5);
+    const bool first = Num_Fract((x + y + jitter) / 5) < 0.24f;
+    const bool second = Num_Fract((x - y + jitter) / 5) < 0.24f && light < -0.15f;
+    return Colour_Mix(0xFBF4E0, ink, (first ? 0.75f : 0) + (second ? 0.6f : 0));
 }
 
-void drawBody(Canvas& canvas, int number, float seconds) {
-    const float spin = 0.23f * seconds + 0.3f * float(number);
-    const float quill = 2.05f + 0.55f * Maths_Sin(0.21f * seconds + 0.37f * float(number));
+void drawBody(Canvas& canvas, int number, float time) {
+    const float spin = 0.23f * time + 0.3f * float(number);
+    const float quill = 2.05f + 0.55f * Num_Sin(0.21f * time + 0.37f * float(number));
     Side list[sides];
-    makeSides(placeBody(number, seconds), {spin, 0.6f * spin, 0.35f * spin}, quill, list);
+    makeSides(placeBody(number, time), {spin, 0.6f * spin, 0.35f * spin}, quill, list);
     for (const Side& side : list) {
         Canvas_PaintPolygon(canvas, side.corners,
                             [&](float x, float y) { return hatch(x, y, side.light); });
@@ -75,41 +74,40 @@ void drawBody(Canvas& canvas, int number, float seconds) {
 }
 
 void drawShadow(Canvas& canvas, Vector place) {
-    const Point middle = Space_Project({place.x, 0.92f, place.z}, 410.0f);
-    const float size = 60.0f + 30.0f * place.y;
+    const Point middle = Space_Project({place.x, 0.92f, place.z}, 410);
+    const float size = 60 + 30 * place.y;
     Canvas_PaintBall(canvas, middle, size, 0.16f * size, [&](float x, float y, float) {
-        return Maths_Fract((x + y) * size / 8.0f) < 0.5f ? 0x8A8080 : paper;
+        return Num_Fract((x + y) * size / 8) < 0.5f ? 0x8A8080 : paper;
     });
 }
 
 // A ruled sheet with a margin, darker towards its corners.
 Colour shadePaper(float x, float y) {
-    const float fibre = Maths_Noise(x / 2.0f, y / 7.0f) + Maths_Noise(x / 70.0f, y / 70.0f);
-    const float dx = x / Canvas_CentreX - 1.0f, dy = y / Canvas_CentreY - 1.0f;
-    const float light = 1.0f - 0.035f * fibre - 0.14f * (dx * dx * dx * dx + dy * dy * dy * dy);
+    const float fibre = Num_Noise(x / 2, y / 7) + Num_Noise(x / 70, y / 70);
+    const float dx = x / Canvas_MidX - 1, dy = y / Canvas_MidY - 1;
+    const float light = 1 - 0.035f * fibre - 0.14f * (dx * dx * dx * dx + dy * dy * dy * dy);
     const bool margin = x == 44 || x == 46, line = int(y) % 24 == 20 && y > 60;
     return Colour_Scale(margin ? 0xE09080 : line ? 0xC8CCD0 : paper, light);
 }
 
 // The name is written again and again, and dries from blue to black.
-void drawName(Canvas& canvas, float seconds) {
+void drawName(Canvas& canvas, float time) {
     const int left = Letters_Centred(name), top = 18;
-    const float written = Maths_Clamp(Maths_Fract(seconds / 12.0f + 0.08f) * 6.0f);
+    const float written = Num_Clamp(Num_Fract(time / 12 + 0.08f) * 6);
     const float nib = written * 1.1f * float(name.width);
     Letters_Paint(canvas, name, left, top, [&](float x, float y) {
-        const Colour fresh = Colour_Mix(0x3058C8, ink, (nib - x) / 200.0f);
+        const Colour fresh = Colour_Mix(0x3058C8, ink, (nib - x) / 200);
         return x + 0.25f * y < nib ? fresh : canvas.pixels[top + int(y)][left + int(x)];
     });
-    Canvas_Line(canvas, {50.0f, 104.0f}, {50.0f + 412.0f * written, 100.0f}, 1.8f, 0x3058C8);
+    Canvas_Line(canvas, {50, 104}, {50 + 412 * written, 100}, 1.8f, 0x3058C8);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     Canvas_Fill(canvas, shadePaper);
-    drawName(canvas, seconds);
+    drawName(canvas, time);
     for (int number = 0; number < bodyCount; ++number)
-        drawShadow(canvas, placeBody(number, seconds));
+        drawShadow(canvas, placeBody(number, time));
     for (int number = 0; number < bodyCount; ++number)
-        drawBody(canvas, number, seconds);
+        drawBody(canvas, number, time);
 }

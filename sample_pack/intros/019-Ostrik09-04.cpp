@@ -1,13 +1,10 @@
 // Pebbles in a turning drum: they are lifted, roll over each other, and grow no smaller for it.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 M4 Pebblegrind";
 
 namespace {
-
 constexpr int pebbleCount = 74;
-constexpr float drumRadius = 176.0f, drumX = 256.0f, drumY = 186.0f;
+constexpr float drumRadius = 176, drumX = 256, drumY = 186;
 constexpr float stepSeconds = 1.0f / 120.0f;
 constexpr float drumSpeed = 1.5f; // radians a second
 constexpr Colour stones[] = {0x8C96A0, 0xB8A890, 0x6C7884, 0xC8C4B8, 0x947C6C, 0x5C6C64, 0xA89CA8};
@@ -24,11 +21,11 @@ Pebble pebbles[pebbleCount];
 
 void pourPebbles() {
     for (int number = 0; number < pebbleCount; ++number) {
-        const float turn = 0.381966f * float(number), reach = 15.0f * std::sqrt(float(number));
-        pebbles[number] = {{reach * Maths_Cos(turn), reach * Maths_Sin(turn)},
-                           {0.0f, 0.0f},
-                           10.0f + 9.0f * Maths_Hash(number),
-                           Maths_Hash(number, 1)};
+        const float turn = 0.381966f * float(number), reach = 15 * std::sqrt(float(number));
+        pebbles[number] = {{reach * Num_Cos(turn), reach * Num_Sin(turn)},
+                           {0, 0},
+                           10 + 9 * Num_Hash(number),
+                           Num_Hash(number, 1)};
     }
 }
 
@@ -56,18 +53,18 @@ void holdPebble(Pebble& pebble) {
     const float outX = at.x / distance, outY = at.y / distance;
     const float rest = std::fmin(pebble.speed.x * outX + pebble.speed.y * outY, 0.0f);
     const float along = pebble.speed.y * outX - pebble.speed.x * outY;
-    const float carried = Maths_Mix(along, drumSpeed * drumRadius, 0.12f);
+    const float carried = Num_Mix(along, drumSpeed * drumRadius, 0.12f);
     pebble.place = {outX * room, outY * room};
     pebble.speed = {rest * outX - carried * outY, rest * outY + carried * outX};
-    pebble.turn += carried * stepSeconds / (pebble.radius * Maths_Turn);
+    pebble.turn += carried * stepSeconds / (pebble.radius * Num_Turn);
 }
 
 void stepPebbles() {
     for (Pebble& pebble : pebbles) {
-        pebble.speed.y += 620.0f * stepSeconds;
+        pebble.speed.y += 620 * stepSeconds;
         pebble.place.x += pebble.speed.x * stepSeconds;
         pebble.place.y += pebble.speed.y * stepSeconds;
-        pebble.turn += pebble.speed.x * stepSeconds / (pebble.radius * Maths_Turn);
+        pebble.turn += pebble.speed.x * stepSeconds / (pebble.radius * Num_Turn);
     }
     for (int pass = 0; pass < 2; ++pass)
         for (int one = 0; one < pebbleCount; ++one) {
@@ -80,46 +77,45 @@ void stepPebbles() {
 // Veined stone, wet where it looks towards the light.
 void drawPebble(Canvas& canvas, int number) {
     const Pebble& pebble = pebbles[number];
-    const float cosine = Maths_Cos(pebble.turn), sine = Maths_Sin(pebble.turn);
+    const float cosine = Num_Cos(pebble.turn), sine = Num_Sin(pebble.turn);
     const Point centre = {drumX + pebble.place.x, drumY + pebble.place.y};
     Canvas_PaintBall(canvas, centre, pebble.radius, pebble.radius, [=](float x, float y, float z) {
-        const float u = x * cosine + y * sine + 10.0f * float(number), v = y * cosine - x * sine;
-        const float vein = std::fabs(Maths_Noise(3.0f * u, 3.0f * v) - 0.5f);
+        const float u = x * cosine + y * sine + 10 * float(number), v = y * cosine - x * sine;
+        const float vein = std::fabs(Num_Noise(3 * u, 3 * v) - 0.5f);
         const float light = 0.26f + 0.55f * z - 0.34f * x - 0.46f * y;
-        const Colour stone = Colour_Mix(0xF0ECE4, stones[number % 7], vein * 14.0f);
-        return Colour_Mix(Colour_Scale(stone, light - 0.2f * Maths_Noise(14.0f * u, 14.0f * v)),
-                          0xFFFFFF, Maths_Smooth(0.86f, 1.0f, 0.62f * z - 0.45f * x - 0.64f * y));
+        const Colour stone = Colour_Mix(0xF0ECE4, stones[number % 7], vein * 14);
+        return Colour_Mix(Colour_Scale(stone, light - 0.2f * Num_Noise(14 * u, 14 * v)), 0xFFFFFF,
+                          Num_Smooth(0.86f, 1, 0.62f * z - 0.45f * x - 0.64f * y));
     });
 }
 
 // The drum: a dark inside and a rim of iron with rivets that turns.
-Colour shadeDrum(float x, float y, float seconds) {
+Colour shadeDrum(float x, float y, float time) {
     const float dx = x - drumX, dy = y - drumY;
     const float radius = std::sqrt(dx * dx + dy * dy), rim = radius - drumRadius;
-    if (rim < 0.0f)
+    if (rim < 0)
         return Colour_Mix(0x283038, 0x0C0E12, radius / drumRadius);
-    const float wall = 0.12f + 0.05f * Maths_Noise(x / 60.0f, y / 8.0f);
-    if (rim > 20.0f)
+    const float wall = 0.12f + 0.05f * Num_Noise(x / 60, y / 8);
+    if (rim > 20)
         return Colour_Make(wall * 1.5f, wall * 1.25f, wall);
-    const float turn = std::atan2(dy, dx) / Maths_Turn - drumSpeed / Maths_Turn * seconds;
-    const float off = 40.0f * (Maths_Fract(turn * 28.0f) - 0.5f), down = rim - 10.0f;
-    const float head = Maths_Smooth(5.0f, 3.0f, std::sqrt(off * off + down * down));
-    const float light = 0.32f + 0.16f * Maths_Sin(rim / 40.0f) - 0.13f * (dx + dy) / radius;
+    const float turn = std::atan2(dy, dx) / Num_Turn - drumSpeed / Num_Turn * time;
+    const float off = 40 * (Num_Fract(turn * 28) - 0.5f), down = rim - 10;
+    const float head = Num_Smooth(5, 3, std::sqrt(off * off + down * down));
+    const float light = 0.32f + 0.16f * Num_Sin(rim / 40) - 0.13f * (dx + dy) / radius;
     return Colour_Mix(Colour_Make(light, light, light * 1.06f), 0xC0B8B0, 0.6f * head);
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    if (pebbles[0].radius == 0.0f)
+void Intro_Draw(Canvas& canvas, float time) {
+    if (pebbles[0].radius == 0)
         pourPebbles();
-    for (int due = Stage_TakeSteps(seconds, 1.0f / stepSeconds); due > 0; --due)
+    for (int due = Stage_TakeSteps(time, 1 / stepSeconds); due > 0; --due)
         stepPebbles();
-    Canvas_Fill(canvas, [=](float x, float y) { return shadeDrum(x, y, seconds); });
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeDrum(x, y, time); });
     for (int number = 0; number < pebbleCount; ++number)
         drawPebble(canvas, number);
     Letters_PaintTitle(canvas, name, 322, 0x080808, [](float x, float y) {
-        const float grit = Maths_Noise(x / 4.0f, y / 4.0f);
-        return Colour_Scale(Colour_Mix(0xF0ECE4, 0x788490, y / 62.0f), 0.75f + 0.35f * grit);
+        const float grit = Num_Noise(x / 4, y / 4);
+        return Colour_Scale(Colour_Mix(0xF0ECE4, 0x788490, y / 62), 0.75f + 0.35f * grit);
     });
 }

@@ -1,64 +1,60 @@
 // A kettle on a dying fire: steam above, embers below, and ash that falls like snow.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 9 M5 Ashkettle";
 
 namespace {
-
 constexpr int flakeCount = 170;
-constexpr Point spout = {334.0f, 196.0f};
+constexpr Point spout = {334, 196};
 constexpr Colour embers[] = {0x100808, 0x3C0C08, 0x98240C, 0xF06818, 0xFFD068};
 
 const Title name = Letters_MakeTitle("Ashkettle", Face::Serif, 80, Slant::Italic);
 
 // Steam at a place: wide and thin far above the spout, narrow and thick close to it.
-float steamAt(float x, float y, float seconds) {
+float steamAt(float x, float y, float time) {
     const float rise = spout.y - y;
-    const float lean = 0.22f * rise + 14.0f * Maths_Sin(0.09f * seconds - rise / 300.0f);
-    const float off = (x - spout.x - lean) / (14.0f + 0.50f * rise);
-    if (rise < -6.0f || off * off > 1.0f)
-        return 0.0f;
-    const float curl = 3.0f * Maths_Noise(x / 50.0f, (y + 70.0f * seconds) / 60.0f);
-    const float cloud = Maths_Clouds(x / 34.0f + curl, (y + 95.0f * seconds) / 42.0f, 3);
-    const float fade = Maths_Smooth(210.0f, 20.0f, rise) * Maths_Smooth(-6.0f, 6.0f, rise);
-    return fade * (1.0f - off * off) * Maths_Smooth(0.18f, 0.50f, cloud);
+    const float lean = 0.22f * rise + 14 * Num_Sin(0.09f * time - rise / 300);
+    const float off = (x - spout.x - lean) / (14 + 0.50f * rise);
+    if (rise < -6 || off * off > 1)
+        return 0;
+    const float curl = 3 * Num_Noise(x / 50, (y + 70 * time) / 60);
+    const float cloud = Num_Clouds(x / 34 + curl, (y + 95 * time) / 42, 3);
+    const float fade = Num_Smooth(210, 20, rise) * Num_Smooth(-6, 6, rise);
+    return fade * (1 - off * off) * Num_Smooth(0.18f, 0.50f, cloud);
 }
 
 // The night behind, with a breath of warm light from below.
-Colour shadeAir(float x, float y, float seconds) {
-    const float dx = (x - 250.0f) / 260.0f, dy = (y - 340.0f) / 240.0f;
-    const float near = Maths_Clamp(1.0f - std::sqrt(dx * dx + dy * dy)), warm = near * near;
+Colour shadeAir(float x, float y, float time) {
+    const float dx = (x - 250) / 260, dy = (y - 340) / 240;
+    const float near = Num_Clamp(1 - std::sqrt(dx * dx + dy * dy)), warm = near * near;
     const Colour night = Colour_Make(0.07f + 0.8f * warm, 0.08f + 0.3f * warm, 0.11f + 0.1f * near);
-    return Colour_Mix(night, Colour_Mix(0xA8B0C0, 0xF0C8A0, y / 260.0f),
-                      0.85f * steamAt(x, y, seconds));
+    return Colour_Mix(night, Colour_Mix(0xA8B0C0, 0xF0C8A0, y / 260), 0.85f * steamAt(x, y, time));
 }
 
-Colour shadeEmbers(float x, float y, float seconds) {
-    const float middle = (x - 256.0f) / 170.0f;
-    const float coal = Maths_Noise(x / 8.0f, y / 6.0f);
-    const float breath = Maths_Noise(x / 40.0f, 0.5f * seconds + y / 30.0f);
-    const float crack = Maths_Smooth(0.22f, 0.0f, std::fabs(coal - 0.5f));
+Colour shadeEmbers(float x, float y, float time) {
+    const float middle = (x - 256) / 170;
+    const float coal = Num_Noise(x / 8, y / 6);
+    const float breath = Num_Noise(x / 40, 0.5f * time + y / 30);
+    const float crack = Num_Smooth(0.22f, 0, std::fabs(coal - 0.5f));
     return Colour_Ramp(embers, (0.25f + 0.95f * crack * breath) * (1.1f - 0.5f * middle * middle));
 }
 
-void drawEmbers(Canvas& canvas, float seconds) {
+void drawEmbers(Canvas& canvas, float time) {
     for (int x = 0; x < Canvas_Width; ++x) {
-        const float middle = (float(x) - 256.0f) / 170.0f;
-        const float heap = Maths_Noise(float(x) / 16.0f, 7.0f) * 14.0f;
-        for (int y = int(338.0f - heap + 16.0f * middle * middle); y < Canvas_Height; ++y)
-            canvas.pixels[y][x] = shadeEmbers(float(x), float(y), seconds);
+        const float middle = (float(x) - 256) / 170;
+        const float heap = Num_Noise(float(x) / 16, 7) * 14;
+        for (int y = int(338 - heap + 16 * middle * middle); y < Canvas_Height; ++y)
+            canvas.pixels[y][x] = shadeEmbers(float(x), float(y), time);
     }
 }
 
 // Iron: black against the night, lit by the embers from below and by the moon along one line.
 Colour shadeIron(float x, float y) {
-    const float below = Maths_Smooth(262.0f, 338.0f, y);
-    const float side = Maths_Smooth(70.0f, 105.0f, std::fabs(x - 250.0f));
-    const float warm = 0.03f + 0.04f * Maths_Noise(x / 3.0f, y / 3.0f) + 0.55f * below * below +
-                       0.22f * side * below;
-    const float gleam = Maths_Smooth(26.0f, 0.0f, std::fabs(x - 214.0f + 0.2f * (y - 260.0f)));
-    const float cool = 0.30f * gleam * Maths_Smooth(330.0f, 220.0f, y);
+    const float below = Num_Smooth(262, 338, y);
+    const float side = Num_Smooth(70, 105, std::fabs(x - 250));
+    const float warm =
+        0.05f + 0.04f * Num_Noise(x / 3, y / 3) + below * (0.55f * below + 0.22f * side);
+    const float gleam = Num_Smooth(26, 0, std::fabs(x - 214 + 0.2f * (y - 260)));
+    const float cool = 0.30f * gleam * Num_Smooth(330, 220, y);
     return Colour_Make(warm + cool, 0.5f * warm + cool, 0.4f * warm + 1.3f * cool);
 }
 
@@ -73,9 +69,9 @@ void drawKettle(Canvas& canvas) {
                              {260, 190}, {262, 198}, {284, 204}, {294, 214}};
     Point handle[40];
     for (int corner = 0; corner < 20; ++corner) {
-        const float turn = 0.5f + 0.5f * float(corner) / 19.0f;
-        handle[corner] = {250.0f + 78.0f * Maths_Cos(turn), 232.0f + 96.0f * Maths_Sin(turn)};
-        handle[39 - corner] = {250.0f + 70.0f * Maths_Cos(turn), 232.0f + 87.0f * Maths_Sin(turn)};
+        const float turn = 0.5f + 0.5f * float(corner) / 19;
+        handle[corner] = {250 + 78 * Num_Cos(turn), 232 + 96 * Num_Sin(turn)};
+        handle[39 - corner] = {250 + 70 * Num_Cos(turn), 232 + 87 * Num_Sin(turn)};
     }
     Canvas_PaintPolygon(canvas, handle, shadeIron);
     Canvas_PaintPolygon(canvas, neck, shadeIron);
@@ -83,26 +79,24 @@ void drawKettle(Canvas& canvas) {
     Canvas_PaintPolygon(canvas, lid, shadeIron);
 }
 
-void drawFlake(Canvas& canvas, int flake, float seconds) {
-    const float size = Maths_Hash(flake, 3);
-    const float fall = Maths_Fract(Maths_Hash(flake, 1) + seconds * (0.03f + 0.05f * size));
-    const float sway = 12.0f * Maths_Sin(0.3f * seconds * (0.5f + size) + Maths_Hash(flake, 4));
-    const float x = 540.0f * Maths_Hash(flake, 2) + sway, y = fall * 400.0f - 8.0f;
-    const Colour ash = Colour_Mix(0xB0B0B8, 0xFF9040, Maths_Smooth(220.0f, 370.0f, y));
+void drawFlake(Canvas& canvas, int flake, float time) {
+    const float size = Num_Hash(flake, 3);
+    const float fall = Num_Fract(Num_Hash(flake, 1) + time * (0.03f + 0.05f * size));
+    const float sway = 12 * Num_Sin(0.3f * time * (0.5f + size) + Num_Hash(flake, 4));
+    const float x = 540 * Num_Hash(flake, 2) + sway, y = fall * 400 - 8;
+    const Colour ash = Colour_Mix(0xB0B0B8, 0xFF9040, Num_Smooth(220, 370, y));
     Canvas_PaintBall(canvas, {x, y}, 0.8f + 1.1f * size, 0.8f + 1.1f * size,
                      [=](float, float, float) { return ash; });
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    Canvas_Fill(canvas, [=](float x, float y) { return shadeAir(x, y, seconds); });
+void Intro_Draw(Canvas& canvas, float time) {
+    Canvas_Fill(canvas, [=](float x, float y) { return shadeAir(x, y, time); });
     Letters_PaintTitle(canvas, name, 20, 0x300C08, [=](float x, float y) {
-        return Colour_Ramp(embers,
-                           0.4f + 0.75f * Maths_Clouds(x / 26.0f, y / 20.0f - 0.25f * seconds, 3));
+        return Colour_Ramp(embers, 0.4f + 0.75f * Num_Clouds(x / 26, y / 20 - 0.25f * time, 3));
     });
-    drawEmbers(canvas, seconds);
+    drawEmbers(canvas, time);
     drawKettle(canvas);
     for (int flake = 0; flake < flakeCount; ++flake)
-        drawFlake(canvas, flake, seconds);
+        drawFlake(canvas, flake, time);
 }

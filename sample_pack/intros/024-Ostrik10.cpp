@@ -1,15 +1,12 @@
 // Down a shaft through amber: bubbles and old bark pass by, and honey light lies at its end.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 10 Amber";
 
 namespace {
-
 constexpr int resinSize = 256, mask = resinSize - 1;
 constexpr Colour honey[] = {0x1C0802, 0x4C1804, 0x943C06, 0xD87810, 0xFFB830, 0xFFE88C};
 
-const Title name = Letters_MakeTitle("AMBER", Face::Serif, 118, Slant::Upright, 1.08f);
+const Title name = Letters_MakeTitle("AMBER", Face::Serif, 118);
 
 float resin[resinSize][resinSize]; // how light the wall is; it goes on without a seam
 float depths[2 * Canvas_Height][2 * Canvas_Width], turns[2 * Canvas_Height][2 * Canvas_Width];
@@ -17,24 +14,24 @@ float depths[2 * Canvas_Height][2 * Canvas_Width], turns[2 * Canvas_Height][2 * 
 // Clouds that meet themselves at the border: two of them, one faded into the other.
 float seamless(float x, float y) {
     constexpr float size = resinSize;
-    const auto cloud = [](float u, float v) { return Maths_Clouds(u / 40.0f, v / 40.0f, 5); };
+    const auto cloud = [](float u, float v) { return Num_Clouds(u / 40, v / 40, 5); };
     const float upper[] = {cloud(x, y), cloud(x - size, y)};
     const float lower[] = {cloud(x, y - size), cloud(x - size, y - size)};
-    return Maths_Between(upper, lower, Maths_Smooth(0.6f * size, size, x),
-                         Maths_Smooth(0.6f * size, size, y));
+    return Num_Between(upper, lower, Num_Smooth(0.6f * size, size, x),
+                       Num_Smooth(0.6f * size, size, y));
 }
 
 // A bubble lights up at one side, a grain of bark is dark.
 void enclose(int number) {
-    const int left = int(256.0f * Maths_Hash(number, 1)), top = int(256.0f * Maths_Hash(number, 2));
-    const int reach = 3 + int(11.0f * Maths_Hash(number, 3) * Maths_Hash(number, 4));
+    const int left = int(256 * Num_Hash(number, 1)), top = int(256 * Num_Hash(number, 2));
+    const int reach = 3 + int(11 * Num_Hash(number, 3) * Num_Hash(number, 4));
     for (int dy = -reach; dy <= reach; ++dy)
         for (int dx = -reach; dx <= reach; ++dx) {
             const float away = std::sqrt(float(dx * dx + dy * dy)) / float(reach);
             float& place = resin[(top + dy) & mask][(left + dx) & mask];
             if (number % 3 == 0)
-                place -= 0.45f * Maths_Smooth(1.0f, 0.5f, away + 0.3f * Maths_Hash(dx, dy));
-            else if (away < 1.0f)
+                place -= 0.45f * Num_Smooth(1, 0.5f, away + 0.3f * Num_Hash(dx, dy));
+            else if (away < 1)
                 place += 0.5f * away * away * away - 0.22f * float(dx + dy) / float(reach) * away;
         }
 }
@@ -43,7 +40,7 @@ void makeResin() {
     for (int y = 0; y < resinSize; ++y)
         for (int x = 0; x < resinSize; ++x) {
             const float cloud = seamless(float(x), float(y));
-            const float vein = Maths_Smooth(0.05f, 0.0f, std::fabs(cloud - 0.5f));
+            const float vein = Num_Smooth(0.05f, 0, std::fabs(cloud - 0.5f));
             resin[y][x] = 0.15f + 0.75f * cloud + 0.20f * vein;
         }
     for (int number = 0; number < 90; ++number)
@@ -55,47 +52,44 @@ void makeTables() {
     for (int y = 0; y < 2 * Canvas_Height; ++y)
         for (int x = 0; x < 2 * Canvas_Width; ++x) {
             const float dx = float(x - Canvas_Width) + 0.5f, dy = float(y - Canvas_Height) + 0.5f;
-            const float turn = std::atan2(dy, dx) / Maths_Turn;
-            const float ripple =
-                1.0f + 0.06f * Maths_Sin(3.0f * turn) + 0.03f * Maths_Sin(7.0f * turn);
-            depths[y][x] = 9000.0f / (std::sqrt(dx * dx + dy * dy) * ripple + 6.0f);
-            turns[y][x] = turn * 2.0f * float(resinSize);
+            const float turn = std::atan2(dy, dx) / Num_Turn;
+            const float ripple = 1 + 0.06f * Num_Sin(3 * turn) + 0.03f * Num_Sin(7 * turn);
+            depths[y][x] = 9000 / (std::sqrt(dx * dx + dy * dy) * ripple + 6);
+            turns[y][x] = turn * 2 * float(resinSize);
         }
 }
 
 float readResin(float around, float along) {
-    const float left = Maths_Floor(around), top = Maths_Floor(along);
+    const float left = Num_Floor(around), top = Num_Floor(along);
     const int column = int(left) & mask, next = (column + 1) & mask;
     const float* one = resin[int(top) & mask];
     const float* other = resin[(int(top) + 1) & mask];
     const float upper[] = {one[column], one[next]}, lower[] = {other[column], other[next]};
-    return Maths_Between(upper, lower, around - left, along - top);
+    return Num_Between(upper, lower, around - left, along - top);
 }
 
-Colour shadeShaft(float depth, float turn, float seconds) {
-    const float along = depth + 75.0f * seconds;
-    const float around = turn + 26.0f * Maths_Sin(0.05f * seconds + depth / 1400.0f);
-    const float wall = readResin(around, along) + 0.10f * Maths_Sin(along / 128.0f);
-    return Colour_Ramp(honey, wall * Maths_Clamp(0.55f + depth / 260.0f) +
-                                  0.9f * Maths_Smooth(120.0f, 900.0f, depth));
+Colour shadeShaft(float depth, float turn, float time) {
+    const float along = depth + 75 * time;
+    const float around = turn + 26 * Num_Sin(0.05f * time + depth / 1400);
+    const float wall = readResin(around, along) + 0.10f * Num_Sin(along / 128);
+    return Colour_Ramp(honey, wall * Num_Clamp(0.55f + depth / 260) + Num_Smooth(120, 950, depth));
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    if (depths[0][0] == 0.0f) {
+void Intro_Draw(Canvas& canvas, float time) {
+    if (depths[0][0] == 0) {
         makeResin();
         makeTables();
     }
-    const int left = 256 + int(110.0f * Maths_Sin(0.071f * seconds));
-    const int top = 192 + int(80.0f * Maths_Sin(0.097f * seconds));
+    const int left = 256 + int(110 * Num_Sin(0.071f * time));
+    const int top = 192 + int(80 * Num_Sin(0.097f * time));
     Canvas_Fill(canvas, [=](float x, float y) {
         const int row = top + int(y), column = left + int(x);
-        return shadeShaft(depths[row][column], turns[row][column], seconds);
+        return shadeShaft(depths[row][column], turns[row][column], time);
     });
     Letters_Colour(canvas, name.words, Letters_Centred(name.words) - 2, 130, 0xFFF4C0);
     Letters_PaintTitle(canvas, name, 132, 0x200800, [=](float x, float y) {
-        const float inner = readResin(2.0f * x, 2.0f * y + 9.0f * seconds);
-        return Colour_Ramp(honey, 0.32f + 0.55f * inner + 0.35f * Maths_Smooth(58.0f, 26.0f, y));
+        const float inner = readResin(2 * x, 2 * y + 9 * time);
+        return Colour_Ramp(honey, 0.32f + 0.55f * inner + 0.35f * Num_Smooth(58, 26, y));
     });
 }

@@ -1,11 +1,8 @@
 // Rain on a tiled pool: the waves spread, cross and bend the sight of the ground.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 11 Ripples";
 
 namespace {
-
 constexpr int poolWidth = Canvas_Width / 2, poolHeight = Canvas_Height / 2;
 constexpr int tile = 24;
 
@@ -20,7 +17,7 @@ void letFall(float centreX, float centreY, float reach, float force) {
     for (int y = 1; y < poolHeight - 1; ++y)
         for (int x = 1; x < poolWidth - 1; ++x) {
             const float dx = float(x) - centreX, dy = float(y) - centreY;
-            const float near = 1.0f - (dx * dx + dy * dy) / (reach * reach);
+            const float near = 1 - (dx * dx + dy * dy) / (reach * reach);
             water[current][y][x] -= force * std::fmax(near, 0.0f);
         }
 }
@@ -40,24 +37,22 @@ void stepWater() {
 // Drops by chance, and now and then something heavier.
 void stepRain(int step) {
     stepWater();
-    const float x = float(poolWidth) * Maths_Hash(step, 1),
-                y = float(poolHeight) * Maths_Hash(step, 2);
+    const float x = float(poolWidth) * Num_Hash(step, 1), y = float(poolHeight) * Num_Hash(step, 2);
     if (step % 9 == 0)
-        letFall(x, y, 2.0f + 3.0f * Maths_Hash(step, 3), 1.6f);
+        letFall(x, y, 2 + 3 * Num_Hash(step, 3), 1.6f);
     if (step % 150 == 20)
-        letFall(x, y, 9.0f, 4.0f);
+        letFall(x, y, 9, 4);
 }
 
 // Small tiles in blue, and a border in gold.
 Colour shadeTile(float x, float y) {
     const int column = int(x) / tile, row = int(y) / tile;
     const bool isBorder = row == 1 || row == 14 || column == 1 || column == 20;
-    const float chance = Maths_Hash(column, row);
+    const float chance = Num_Hash(column, row);
     const Colour glaze = isBorder && (column + row) % 2 ? Colour_Mix(0xC89030, 0xF0D070, chance)
                                                         : Colour_Mix(0x0C5C94, 0x30B0C8, chance);
     const bool isJoint = std::min(int(x) % tile, int(y) % tile) < 2;
-    return isJoint ? 0x084060
-                   : Colour_Scale(glaze, 0.86f + 0.14f * Maths_Noise(x / 7.0f, y / 7.0f));
+    return isJoint ? 0x084060 : Colour_Scale(glaze, 0.86f + 0.14f * Num_Noise(x / 7, y / 7));
 }
 
 // The name is laid in white, of smaller stones.
@@ -68,36 +63,35 @@ void layGround() {
     Letters_Colour(ground, name, left + 3, top + 3, 0x084060);
     Letters_Paint(ground, name, left, top, [](float x, float y) {
         const int column = int(x) + 3, row = int(y);
-        const Colour stone = Colour_Mix(0xFFFFFF, 0xE8DCC0, Maths_Hash(column / 8, row / 8));
+        const Colour stone = Colour_Mix(0xFFFFFF, 0xE8DCC0, Num_Hash(column / 8, row / 8));
         return column % 8 == 0 || row % 8 == 0 ? 0xB8C8C8 : stone;
     });
 }
 
 Colour shadeWater(float x, float y) {
-    const int column = std::min(int(x) / 2, poolWidth - 2),
-              row = std::min(int(y) / 2, poolHeight - 2);
+    const int column = std::min(int(x / 2), poolWidth - 2),
+              row = std::min(int(y / 2), poolHeight - 2);
     const float* upper = &water[current][row][column];
     const float* lower = &water[current][row + 1][column];
-    const float slopeX = Maths_Mix(upper[1] - upper[0], lower[1] - lower[0], Maths_Fract(y / 2.0f));
-    const float slopeY = Maths_Mix(lower[0] - upper[0], lower[1] - upper[1], Maths_Fract(x / 2.0f));
-    const int seenX = int(Maths_Clamp(x + 26.0f * slopeX, 0.0f, Canvas_Width - 1));
-    const int seenY = int(Maths_Clamp(y + 26.0f * slopeY, 0.0f, Canvas_Height - 1));
+    const float slopeX = Num_Mix(upper[1] - upper[0], lower[1] - lower[0], Num_Fract(y / 2));
+    const float slopeY = Num_Mix(lower[0] - upper[0], lower[1] - upper[1], Num_Fract(x / 2));
+    const int seenX = int(Num_Clamp(x + 26 * slopeX, 0, Canvas_Width - 1));
+    const int seenY = int(Num_Clamp(y + 26 * slopeY, 0, Canvas_Height - 1));
     const float light = 0.82f - 1.1f * (slopeX + slopeY);
-    const float spark = Maths_Smooth(0.30f, 0.75f, -slopeX - slopeY);
+    const float spark = Num_Smooth(0.30f, 0.75f, -slopeX - slopeY);
     return Colour_Mix(Colour_Scale(ground.pixels[seenY][seenX], light), 0xFFFFFF,
                       spark + 0.2f * (light - 0.9f));
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
+void Intro_Draw(Canvas& canvas, float time) {
     static int step = 0;
     if (step == 0) {
         layGround();
         for (; step < 120; ++step)
             stepRain(step);
     }
-    for (int due = Stage_TakeSteps(seconds, 75.0f); due > 0; --due)
+    for (int due = Stage_TakeSteps(time, 75); due > 0; --due)
         stepRain(++step);
     Canvas_Fill(canvas, shadeWater);
 }

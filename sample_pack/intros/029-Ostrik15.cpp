@@ -1,20 +1,17 @@
 // Stars inlaid in wood: brass bands over four kinds of timber, whose angle changes while one looks.
-
 #include "stage.h"
-
 const char Intro_Title[] = "Ostrik Intro 15 Inlaid";
 
 namespace {
-
-constexpr float cellSize = 96.0f;
+constexpr float cellSize = 96;
 constexpr Colour woods[] = {0x8C4A20, 0xD8A868, 0x4C2414, 0xB87038};
 
-const Lettering name = Letters_Make("INLAID", Face::Serif, 92, Slant::Upright, 1.12f);
+const Lettering name = Letters_Make("INLAID", Face::Serif, 92);
 
 // One octant of a cell, to which all others are mirrored: 0 <= y <= x <= 0.5.
 Point fold(float x, float y) {
-    x = std::fabs(Maths_Fract(x) - 0.5f);
-    y = std::fabs(Maths_Fract(y) - 0.5f);
+    x = std::fabs(Num_Fract(x) - 0.5f);
+    y = std::fabs(Num_Fract(y) - 0.5f);
     return {std::max(x, y), std::min(x, y)};
 }
 
@@ -25,43 +22,41 @@ struct Bands {
     float corner;           // how far the second lies from the middle
 };
 
-Bands bandsAt(float seconds) {
-    const float turn = 0.095f + 0.055f * Maths_Sin(0.06f * seconds);
-    return {Maths_Sin(turn), Maths_Cos(turn), 0.70f + 0.10f * Maths_Sin(0.045f * seconds + 0.3f)};
+Bands bandsAt(float time) {
+    const float turn = 0.095f + 0.055f * Num_Sin(0.06f * time);
+    return {Num_Sin(turn), Num_Cos(turn), 0.70f + 0.10f * Num_Sin(0.045f * time + 0.3f)};
 }
 
 float grainAt(float x, float y, int kind) {
     const float along = kind & 1 ? x : y, across = kind & 1 ? y : x;
-    const float wave = 3.0f * Maths_Sin(along / 140.0f + across / 400.0f);
-    return Maths_Noise(across / 2.2f + wave, along / 34.0f);
+    const float wave = 3 * Num_Sin(along / 140 + across / 400);
+    return Num_Noise(across / 2.2f + wave, along / 34);
 }
 
 // Brass, with light that slides over the room.
-Colour shadeBrass(float edge, float x, float y, float seconds) {
-    const float sweep = std::fmax(Maths_Sin((x + y) / 420.0f - 0.17f * seconds), 0.0f);
+Colour shadeBrass(float edge, float x, float y, float time) {
+    const float sweep = std::fmax(Num_Sin((x + y) / 420 - 0.17f * time), 0.0f);
     const float light = 0.64f - 0.22f * edge * edge + 0.4f * sweep * sweep * sweep * sweep;
-    return Colour_Mix(Colour_Make(light * 1.2f, light * 0.95f, light * 0.42f), 0xFFFBE0,
-                      light - 0.75f);
+    return Colour_Mix(Colour_Scale(0xFFCA58, light * 1.2f), 0xFFFBE0, light - 0.75f);
 }
 
-Colour shade(float x, float y, const Bands& bands, float seconds) {
-    const float u = x / cellSize + 0.05f * seconds, v = y / cellSize + 0.03f * seconds;
+Colour shade(float x, float y, const Bands& bands, float time) {
+    const float u = x / cellSize + 0.05f * time, v = y / cellSize + 0.03f * time;
     const Point place = fold(u, v);
     const float first = bands.normalX * (place.x - 0.5f) + bands.normalY * place.y;
     const float second = (place.x + place.y - bands.corner) * 0.7071f;
-    const int inner = (first > 0.0f ? 1 : 0) + (second > 0.0f ? 2 : 0);
+    const int inner = (first > 0 ? 1 : 0) + (second > 0 ? 2 : 0);
     const int kind = inner ^ ((int(u) + int(v)) & 1);
     const float distance = std::min(std::fabs(first), std::fabs(second)) * cellSize;
     const float grain = 0.70f + 0.42f * grainAt(u * cellSize, v * cellSize, kind);
-    const Colour wood =
-        Colour_Scale(woods[kind], grain * (0.55f + 0.45f * Maths_Smooth(1.8f, 4.2f, distance)));
-    const float brass = Maths_Smooth(2.9f, 2.0f, distance);
-    return brass > 0.0f ? Colour_Mix(wood, shadeBrass(distance / 2.6f, x, y, seconds), brass)
-                        : wood;
+    const float joint = Num_Smooth(1.8f, 4.2f, distance);
+    const Colour wood = Colour_Scale(woods[kind], grain * (0.55f + 0.45f * joint));
+    const float brass = Num_Smooth(2.9f, 2, distance);
+    return brass > 0 ? Colour_Mix(wood, shadeBrass(distance / 2.6f, x, y, time), brass) : wood;
 }
 
 // A plate of dark wood in a brass frame, the letters let into it.
-void drawName(Canvas& canvas, float seconds) {
+void drawName(Canvas& canvas, float time) {
     const int left = Letters_Centred(name), top = 146, right = Canvas_Width - left;
     for (int y = 138; y < 246; ++y)
         for (int x = left - 28; x < right + 28; ++x) {
@@ -69,20 +64,19 @@ void drawName(Canvas& canvas, float seconds) {
                 std::min(std::min(x - left, right - 1 - x) + 28, std::min(y - 138, 245 - y));
             const float grain = 0.7f + 0.5f * grainAt(float(x), float(y), 1);
             canvas.pixels[y][x] = edge < 2 || (edge >= 6 && edge < 8)
-                                      ? shadeBrass(0.3f, float(x), float(y), seconds)
+                                      ? shadeBrass(0.3f, float(x), float(y), time)
                                       : Colour_Scale(0x3C1C10, grain);
         }
     Letters_Colour(canvas, name, left - 1, top - 1, 0x140804);
     Letters_Colour(canvas, name, left + 1, top + 1, 0xA86838);
     Letters_Paint(canvas, name, left, top, [=](float x, float y) {
-        return shadeBrass(0.2f, x + float(left), y + 146.0f, seconds);
+        return shadeBrass(0.2f, x + float(left), y + 146, time);
     });
 }
-
 } // namespace
 
-void Intro_Draw(Canvas& canvas, float seconds) {
-    const Bands bands = bandsAt(seconds);
-    Canvas_Fill(canvas, [=](float x, float y) { return shade(x, y, bands, seconds); });
-    drawName(canvas, seconds);
+void Intro_Draw(Canvas& canvas, float time) {
+    const Bands bands = bandsAt(time);
+    Canvas_Fill(canvas, [=](float x, float y) { return shade(x, y, bands, time); });
+    drawName(canvas, time);
 }

@@ -1,7 +1,6 @@
 #include "canvas.h"
 
 namespace {
-
 constexpr int subRows = 4; // the steps that smooth an outline from row to row
 constexpr int mostCrossings = 64;
 
@@ -19,17 +18,12 @@ int findCrossings(const Point* outline, int count, float height, float (&places)
 }
 
 void coverSpan(float left, float right, float (&cover)[Canvas_Width]) {
-    left = Maths_Clamp(left, 0.0f, Canvas_Width);
-    right = Maths_Clamp(right, 0.0f, Canvas_Width);
+    left = Num_Clamp(left, 0.0f, Canvas_Width);
+    right = Num_Clamp(right, 0.0f, Canvas_Width);
     for (int x = int(left); float(x) < right; ++x)
         cover[x] += (std::min(right, float(x + 1)) - std::max(left, float(x))) / float(subRows);
 }
-
 } // namespace
-
-void Canvas_Clear(Canvas& canvas, Colour colour) {
-    Canvas_Fill(canvas, [=](float, float) { return colour; });
-}
 
 void Canvas_Add(Canvas& canvas, int x, int y, Colour light) {
     if (Canvas_Holds(x, y))
@@ -75,10 +69,10 @@ Box Canvas_Bound(const Point* outline, int count) {
         least = {std::min(least.x, outline[corner].x), std::min(least.y, outline[corner].y)};
         most = {std::max(most.x, outline[corner].x), std::max(most.y, outline[corner].y)};
     }
-    return {int(Maths_Clamp(least.x, 0.0f, Canvas_Width)),
-            int(Maths_Clamp(least.y, 0.0f, Canvas_Height)),
-            int(Maths_Clamp(most.x + 1.0f, 0.0f, Canvas_Width)),
-            int(Maths_Clamp(most.y + 1.0f, 0.0f, Canvas_Height))};
+    return {int(Num_Clamp(least.x, 0.0f, Canvas_Width)),
+            int(Num_Clamp(least.y, 0.0f, Canvas_Height)),
+            int(Num_Clamp(most.x + 1.0f, 0.0f, Canvas_Width)),
+            int(Num_Clamp(most.y + 1.0f, 0.0f, Canvas_Height))};
 }
 
 void Canvas_CoverRow(const Point* outline, int count, const Box& box, int y,

@@ -6,8 +6,8 @@
 
 constexpr int Canvas_Width = 512;
 constexpr int Canvas_Height = 384;
-constexpr float Canvas_CentreX = 0.5f * Canvas_Width;
-constexpr float Canvas_CentreY = 0.5f * Canvas_Height;
+constexpr float Canvas_MidX = 0.5f * Canvas_Width;
+constexpr float Canvas_MidY = 0.5f * Canvas_Height;
 
 struct Canvas {
     Colour pixels[Canvas_Height][Canvas_Width];
@@ -29,7 +29,6 @@ void Canvas_Fill(Canvas& canvas, const Shade& shade) {
             canvas.pixels[y][x] = shade(float(x), float(y));
 }
 
-void Canvas_Clear(Canvas& canvas, Colour colour);
 void Canvas_Add(Canvas& canvas, int x, int y, Colour light);
 void Canvas_Blend(Canvas& canvas, int x, int y, Colour colour, float share);
 

@@ -6,31 +6,15 @@
 #include <cstring>
 
 namespace {
-
-constexpr const char* faceNames[] = {"Arial", "Times New Roman", "Courier New"};
+constexpr const char* faceNames[] = {"Arial", "Times New Roman"};
 constexpr int softness = 12; // of what is around a title, in pixels
-constexpr DWORD families[] = {FF_SWISS, FF_ROMAN, FF_MODERN | FIXED_PITCH};
+constexpr DWORD families[] = {FF_SWISS, FF_ROMAN};
 
-HFONT makeFont(Face face, int height, Slant slant, float spread) {
-    HDC screen = GetDC(nullptr);
-    const int weight = face == Face::Sans ? FW_BLACK : FW_BOLD;
-    const char* name = faceNames[int(face)];
-    const auto make = [&](int width) {
-        return CreateFontA(height, width, 0, 0, weight, slant == Slant::Italic, FALSE, FALSE,
-                           ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
-                           families[int(face)], name);
-    };
-    HFONT font = make(0);
-    if (spread != 1.0f) {
-        TEXTMETRICA metrics;
-        HGDIOBJ former = SelectObject(screen, font);
-        GetTextMetricsA(screen, &metrics);
-        SelectObject(screen, former);
-        DeleteObject(font);
-        font = make(int(float(metrics.tmAveCharWidth) * spread));
-    }
-    ReleaseDC(nullptr, screen);
-    return font;
+HFONT makeFont(Face face, int height, Slant slant) {
+    return CreateFontA(height, 0, 0, 0, face == Face::Sans ? FW_BLACK : FW_BOLD,
+                       slant == Slant::Italic, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS,
+                       CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, families[int(face)],
+                       faceNames[int(face)]);
 }
 
 // A bitmap whose pixels the program reads; rows run downwards.
@@ -65,12 +49,11 @@ void smoothLine(uint8_t* line, int count, int step, int radius) {
             line[place * step] = uint8_t(sum / (2 * radius + 1));
     }
 }
-
 } // namespace
 
-Lettering Letters_Make(const char* words, Face face, int height, Slant slant, float spread) {
+Lettering Letters_Make(const char* words, Face face, int height, Slant slant) {
     HDC device = CreateCompatibleDC(nullptr);
-    HFONT font = makeFont(face, height, slant, spread);
+    HFONT font = makeFont(face, height, slant);
     SelectObject(device, font);
     SIZE size;
     const int length = int(std::strlen(words));
@@ -110,8 +93,8 @@ void Letters_Colour(Canvas& canvas, const Lettering& lettering, int left, int to
     Letters_Paint(canvas, lettering, left, top, [=](float, float) { return colour; });
 }
 
-Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant, float spread) {
-    const Lettering lettering = Letters_Make(words, face, height, slant, spread);
+Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant) {
+    const Lettering lettering = Letters_Make(words, face, height, slant);
     return {lettering, Letters_Soften(lettering, softness)};
 }
 

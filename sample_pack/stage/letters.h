@@ -9,12 +9,11 @@ struct Lettering {
     uint8_t* cover; // row by row, 255 where a letter is
 };
 
-enum class Face { Sans, Serif, Typewriter };
+enum class Face { Sans, Serif };
 enum class Slant { Upright, Italic };
 
-// `height` is that of the line in pixels. `spread` is how much wider than drawn by its designer.
-Lettering Letters_Make(const char* words, Face face, int height, Slant slant = Slant::Upright,
-                       float spread = 1.0f);
+// `height` is that of the line in pixels.
+Lettering Letters_Make(const char* words, Face face, int height, Slant slant = Slant::Upright);
 
 // The same made soft, for shadows and shine: larger than its source by `radius` on each side.
 Lettering Letters_Soften(const Lettering& source, int radius);
@@ -47,8 +46,7 @@ inline int Letters_Centred(const Lettering& lettering) {
 struct Title {
     Lettering words, around;
 };
-Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant = Slant::Upright,
-                        float spread = 1.0f);
+Title Letters_MakeTitle(const char* words, Face face, int height, Slant slant = Slant::Upright);
 
 void Letters_Surround(Canvas& canvas, const Title& title, int top, Colour colour);
 

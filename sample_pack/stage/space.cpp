@@ -1,16 +1,18 @@
 #include "space.h"
 
 namespace {
-
 constexpr float shorter = 0.525731f, longer = 0.850651f; // sides of the golden rectangle
 
 void rotatePair(float& first, float& second, float turns) {
-    const float cosine = Maths_Cos(turns), sine = Maths_Sin(turns);
+    const float cosine = Num_Cos(turns), sine = Num_Sin(turns);
     const float turned = first * cosine - second * sine;
     second = first * sine + second * cosine;
     first = turned;
 }
 
+Vector cross(Vector a, Vector b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
 } // namespace
 
 const Vector Space_BallCorner[Space_BallCorners] = {
@@ -23,18 +25,11 @@ const int Space_BallFace[Space_BallFaces][3] = {
     {5, 3, 8}, {5, 2, 3},  {2, 7, 3},  {7, 10, 3}, {7, 6, 10}, {7, 11, 6}, {11, 0, 6},
     {0, 1, 6}, {6, 1, 10}, {9, 0, 11}, {9, 11, 2}, {9, 2, 5},  {7, 2, 11}};
 
-Vector Space_Cross(Vector one, Vector other) {
-    return {one.y * other.z - one.z * other.y, one.z * other.x - one.x * other.z,
-            one.x * other.y - one.y * other.x};
-}
-
 Vector Space_Unit(Vector vector) {
     return vector * (1.0f / std::sqrt(Space_Dot(vector, vector) + 1e-9f));
 }
 
-Vector Space_FaceNormal(Vector one, Vector other, Vector third) {
-    return Space_Unit(Space_Cross(other - one, third - one));
-}
+Vector Space_FaceNormal(Vector a, Vector b, Vector c) { return Space_Unit(cross(b - a, c - a)); }
 
 Vector Space_Rotate(Vector vector, Vector turns) {
     rotatePair(vector.y, vector.z, turns.x);
@@ -45,5 +40,5 @@ Vector Space_Rotate(Vector vector, Vector turns) {
 
 Point Space_Project(Vector vector, float lens) {
     const float scale = lens / std::fmax(vector.z, 0.1f);
-    return {Canvas_CentreX + vector.x * scale, Canvas_CentreY + vector.y * scale};
+    return {Canvas_MidX + vector.x * scale, Canvas_MidY + vector.y * scale};
 }

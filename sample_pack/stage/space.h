@@ -7,27 +7,19 @@ struct Vector {
     float x, y, z;
 };
 
-inline Vector operator+(Vector one, Vector other) {
-    return {one.x + other.x, one.y + other.y, one.z + other.z};
-}
-inline Vector operator-(Vector one, Vector other) {
-    return {one.x - other.x, one.y - other.y, one.z - other.z};
-}
+inline Vector operator+(Vector a, Vector b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+inline Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 inline Vector operator*(Vector vector, float factor) {
     return {vector.x * factor, vector.y * factor, vector.z * factor};
 }
 
-inline float Space_Dot(Vector one, Vector other) {
-    return one.x * other.x + one.y * other.y + one.z * other.z;
-}
-
-Vector Space_Cross(Vector one, Vector other);
+inline float Space_Dot(Vector a, Vector b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
 // The same direction, with length 1.
 Vector Space_Unit(Vector vector);
 
 // Which way a flat face of these corners looks, with length 1.
-Vector Space_FaceNormal(Vector one, Vector other, Vector third);
+Vector Space_FaceNormal(Vector a, Vector b, Vector c);
 
 // Turned about the x axis, then y, then z; in turns.
 Vector Space_Rotate(Vector vector, Vector turns);

@@ -2,16 +2,12 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 namespace {
-
 constexpr char className[] = "Ostrik Intro";
 constexpr float frameSeconds = 1.0f / 60.0f;
 
 Canvas canvas;
-bool isCurtainDown =
-    false; // Escape is held: the picture is gone, the program waits for its release
+bool isCurtainDown = false; // while Escape is held: the picture is gone, the window waits
 
 RECT placeCanvas(const RECT& room) {
     const int width = int(std::min(room.right, room.bottom * Canvas_Width / Canvas_Height));
@@ -44,7 +40,7 @@ void coverScreen(HWND window) {
 
 void dropCurtain(HWND window) {
     isCurtainDown = true;
-    Canvas_Clear(canvas, 0);
+    canvas = {};
     showCanvas(window);
 }
 
@@ -132,7 +128,6 @@ void runShow(HWND window) {
         waitUntil(isCurtainDown ? now + frameSeconds : next);
     }
 }
-
 } // namespace
 
 int WINAPI WinMain(HINSTANCE program, HINSTANCE, LPSTR, int) {

@@ -9,14 +9,14 @@
 // What the intro brings.
 extern const char Intro_Title[]; // also the window's title
 
-// `seconds` is the time since the start. The canvas still holds the picture before.
-void Intro_Draw(Canvas& canvas, float seconds);
+// `time` is the seconds since the start. The canvas still holds the picture before.
+void Intro_Draw(Canvas& canvas, float time);
 
 // For pictures that grow out of the one before: how many steps are due by now, at so many a second.
 // After a long pause fewer are given, so that the intro does not race to catch up.
-inline int Stage_TakeSteps(float seconds, float stepsPerSecond) {
+inline int Stage_TakeSteps(float time, float stepsPerSecond) {
     static int taken = 0;
-    const int due = int(seconds * stepsPerSecond) - taken;
+    const int due = int(time * stepsPerSecond) - taken;
     taken += due;
     return std::min(due, 1 + int(stepsPerSecond / 15.0f));
 }

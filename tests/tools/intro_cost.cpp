@@ -9,7 +9,6 @@
 #include <cstdlib>
 
 namespace {
-
 Canvas canvas;
 
 // Of this program alone: what else runs on the machine does not count.
@@ -19,7 +18,6 @@ double readMilliseconds() {
     const uint64_t ticks = uint64_t(user.dwHighDateTime) << 32 | user.dwLowDateTime;
     return double(ticks) / 10000.0;
 }
-
 } // namespace
 
 int main(int count, char** words) {
