@@ -1,17 +1,19 @@
-; A silent self-extractor that unpacks its files beside itself. tools/pack calls it; by hand:
-;   makensis -DLIST=files.nsh -DOUTPUT=OstrikVelmora2009.dat pack.nsi
-; where files.nsh holds a line  File "PATH\NAME.exe"  for each intro.
+# The data file: a self-extractor that shows nothing and writes the intros into the folder in which
+# it lies itself. tools/pack runs this; by hand, also on Windows, with NSIS 3 for 64 bits:
+#
+#     makensis -DFOLDER=folder-of-intros -DOUTPUT=OstrikVelmora2009.dat pack.nsi
 
 Unicode true
-Target amd64-unicode            ; 64 bits, as everything here
-SetCompressor /SOLID lzma
-SetDateSave off                 ; the same files give the same bytes
-RequestExecutionLevel user      ; no question for administrator's rights
-SilentInstall silent
+Target amd64-unicode
 Name "Ostrik Tessel Intros"
 OutFile "${OUTPUT}"
 
+SilentInstall silent
+RequestExecutionLevel user   # the temp folder is the user's own
+SetCompressor /SOLID lzma    # the intros share their stage: together they pack far better
+SetDateSave off              # the same intros give the same data file
+
 Section
     SetOutPath "$EXEDIR"
-    !include "${LIST}"
+    File "${FOLDER}/*.exe"
 SectionEnd

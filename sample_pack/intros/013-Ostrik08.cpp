@@ -17,12 +17,7 @@ float shapeHill(float x, float y) {
     constexpr float size = mapSize;
     const float wide = Num_Sin(x / size) * Num_Cos(y / size) * 0.3f;
     const float fold = Num_Sin((3 * x + 2 * y) / size) * 0.18f;
-    const auto rough = [](float u, float v) { return Num_Clouds(u / 64, v / 64, 6); };
-    const float upper[] = {rough(x, y), rough(x - size, y)};
-    const float lower[] = {rough(x, y - size), rough(x - size, y - size)};
-    return Num_Clamp(
-        0.1f + wide + fold +
-        0.75f * Num_Between(upper, lower, Num_Smooth(448, 511, x), Num_Smooth(448, 511, y)));
+    return Num_Clamp(0.1f + wide + fold + 0.75f * Num_ClosedClouds(x, y, size, 64, 6));
 }
 
 // Meadow, rock and snow, one above the other, lit from the side.

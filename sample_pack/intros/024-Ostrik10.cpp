@@ -11,16 +11,6 @@ const Title name = Letters_MakeTitle("AMBER", Face::Serif, 118);
 float resin[resinSize][resinSize]; // how light the wall is; it goes on without a seam
 float depths[2 * Canvas_Height][2 * Canvas_Width], turns[2 * Canvas_Height][2 * Canvas_Width];
 
-// Clouds that meet themselves at the border: two of them, one faded into the other.
-float seamless(float x, float y) {
-    constexpr float size = resinSize;
-    const auto cloud = [](float u, float v) { return Num_Clouds(u / 40, v / 40, 5); };
-    const float upper[] = {cloud(x, y), cloud(x - size, y)};
-    const float lower[] = {cloud(x, y - size), cloud(x - size, y - size)};
-    return Num_Between(upper, lower, Num_Smooth(0.6f * size, size, x),
-                       Num_Smooth(0.6f * size, size, y));
-}
-
 // A bubble lights up at one side, a grain of bark is dark.
 void enclose(int number) {
     const int left = int(256 * Num_Hash(number, 1)), top = int(256 * Num_Hash(number, 2));
@@ -39,7 +29,7 @@ void enclose(int number) {
 void makeResin() {
     for (int y = 0; y < resinSize; ++y)
         for (int x = 0; x < resinSize; ++x) {
-            const float cloud = seamless(float(x), float(y));
+            const float cloud = Num_ClosedClouds(float(x), float(y), resinSize, 40, 5);
             const float vein = Num_Smooth(0.05f, 0, std::fabs(cloud - 0.5f));
             resin[y][x] = 0.15f + 0.75f * cloud + 0.20f * vein;
         }
