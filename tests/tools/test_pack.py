@@ -1,7 +1,9 @@
-"""tools/pack: what it asks of a folder, what it says, and what its result unpacks."""
+"""The tool that packs intros, and the pack that the build makes with it."""
 
 import hashlib
 import os
+import re
+import shutil
 import subprocess
 import sys
 from pathlib import Path
@@ -9,120 +11,157 @@ from pathlib import Path
 import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
+sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests" / "desk"), str(Path(__file__).parent)]
+
+from catalogue import INTRO_FILES, ROWS  # noqa: E402
+from desk import Desk  # noqa: E402
+from pe_file import PeFile  # noqa: E402
+
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
-PACK = ROOT / "tools" / "pack"
-sys.path.insert(0, str(ROOT / "tests" / "desk"))
-sys.path.insert(0, str(ROOT / "tools"))
+DATA_NAME = "OstrikVelmora2009.dat"
+STAGED_NAME = "BlahBlubber.exe"
+SYSTEM_LIBRARIES = {"gdi32.dll", "kernel32.dll", "user32.dll", "winmm.dll", "msvcrt.dll"}
 
-from desk.desk import Desk  # noqa: E402
 
-# As the menu shows them, from top to bottom, written down once more.
-NAMES = """000-Velmora2009 001-Hobnail1 004-Ostrik01 005-Ostrik01v4l 006-Ostrik04 007-Ostrik05 008-BQLV
-009-Hobnail6 010-Anvil1733 011-Fylex 012-Ostrik07 013-Ostrik08 014-WRaS 015-Ostrik09-00
-016-Ostrik09-01 017-Ostrik09-02 018-Ostrik09-03 019-Ostrik09-04 020-Ostrik09-05 021-Ostrik09-06
-022-Ostrik09-07 023-Myrtle 024-Ostrik10 025-Ostrik11 026-Ostrik12 027-Ostrik13 028-Ostrik14
-029-Ostrik15""".split()
-FILES = [name + ".exe" for name in NAMES]
+def run_pack(*arguments, folder=None, **options):
+    return subprocess.run([ROOT / "tools" / "pack", *arguments], cwd=folder, capture_output=True,
+                          text=True, **options)
 
 
 @pytest.fixture
-def folder(tmp_path):
-    intros = tmp_path / "my intros"
-    intros.mkdir()
-    for name in FILES:
-        (intros / name).write_bytes(b"the intro " + name.encode())
-    return intros
-
-
-def pack(*arguments):
-    return subprocess.run([PACK, *arguments], capture_output=True, text=True)
-
-
-def unpack(data_file, folder):
-    """Runs the self-extractor as the menu does, and gives what then lies beside it."""
+def intros(tmp_path):
+    """A folder with small files of all the names that the menu knows."""
+    folder = tmp_path / "intros"
     folder.mkdir()
-    program = folder / "BlahBlubber.exe"
-    program.write_bytes(data_file.read_bytes())
-    with Desk(folder.parent / "logs", BUILD / "desk" / "template", sound=False) as desk:
-        desk.ask(program)
-    program.unlink()
+    for name in INTRO_FILES:
+        (folder / name).write_bytes(b"This is " + name.encode())
+    return folder
+
+
+@pytest.fixture(scope="module")
+def desk(tmp_path_factory):
+    with Desk(tmp_path_factory.mktemp("desk"), BUILD / "desk" / "template", sound=False) as desk:
+        yield desk
+
+
+def unpack(desk, data_file, folder):
+    """Runs a data file as the menu does: copied under its staged name into an empty folder."""
+    folder.mkdir()
+    shutil.copy2(data_file, folder / STAGED_NAME)
+    assert desk.start(folder / STAGED_NAME, folder).wait_end() == 0
+    (folder / STAGED_NAME).unlink()
     return {path.name: path.read_bytes() for path in folder.iterdir()}
 
 
-def test_unpacks_just_what_the_folder_held_into_its_own_folder(folder, tmp_path):
-    data = tmp_path / "made.dat"
-    assert pack(folder, "-o", data).returncode == 0
-    assert unpack(data, tmp_path / "unpacked") == {
-        path.name: path.read_bytes() for path in folder.iterdir()}
+def test_each_missing_intro_is_named_and_nothing_is_made(intros, tmp_path):
+    for name in (INTRO_FILES[3], INTRO_FILES[27]):
+        (intros / name).unlink()
+    done = run_pack(intros, "-o", tmp_path / "made.dat")
+    assert done.returncode == 1
+    assert [line.split()[-1] for line in done.stderr.splitlines() if line.startswith("missing:")] \
+        == [INTRO_FILES[3], INTRO_FILES[27]]
+    assert "2 of 28 intros are missing; --incomplete packs" in done.stderr
+    assert not (tmp_path / "made.dat").exists()
 
 
-def test_tells_size_and_checksum(folder, tmp_path):
-    data = tmp_path / "made.dat"
-    said = pack(folder, "-o", data).stdout
-    assert f"{data.stat().st_size} bytes" in said
-    assert hashlib.sha256(data.read_bytes()).hexdigest() in said
-
-
-def test_shows_each_file_as_it_goes_in(folder, tmp_path):
-    said = pack(folder, "-o", tmp_path / "made.dat").stdout
-    assert [line for line in said.splitlines() if line.startswith("[")] == [
-        f"[{number}/28] {name}" for number, name in enumerate(FILES, 1)]
-
-
-def test_makes_the_same_bytes_of_the_same_files(folder, tmp_path):
-    first, second = tmp_path / "first.dat", tmp_path / "second.dat"
-    pack(folder, "-o", first)
-    for name in reversed(FILES):
-        (folder / name).touch()
-    pack(folder, "-o", second)
-    assert first.read_bytes() == second.read_bytes()
-
-
-def test_names_every_missing_file_and_makes_nothing(folder, tmp_path):
-    (folder / "008-BQLV.exe").unlink()
-    (folder / "023-Myrtle.exe").unlink()
-    data = tmp_path / "made.dat"
-    done = pack(folder, "-o", data)
-    assert done.returncode != 0
-    assert done.stdout.splitlines() == ["missing: 008-BQLV.exe", "missing: 023-Myrtle.exe"]
-    assert "2 of 28 intros are missing" in done.stderr
-    assert not data.exists()
-
-
-def test_packs_an_incomplete_set_when_told_to(folder, tmp_path):
-    (folder / "008-BQLV.exe").unlink()
-    data = tmp_path / "made.dat"
-    done = pack(folder, "-o", data, "--incomplete")
+def test_an_incomplete_set_is_packed_when_told_so(intros, tmp_path, desk):
+    (intros / INTRO_FILES[3]).unlink()
+    done = run_pack(intros, "--incomplete", "-o", tmp_path / "made.dat")
     assert done.returncode == 0
-    assert "missing: 008-BQLV.exe" in done.stdout
-    assert sorted(unpack(data, tmp_path / "unpacked")) == [
-        name for name in FILES if name != "008-BQLV.exe"]
+    assert f"missing:  {INTRO_FILES[3]}" in done.stderr
+    assert set(unpack(desk, tmp_path / "made.dat", tmp_path / "out")) == \
+        set(INTRO_FILES) - {INTRO_FILES[3]}
 
 
-def test_names_files_that_the_menu_does_not_know_and_leaves_them_out(folder, tmp_path):
-    (folder / "002-Nothing.exe").write_bytes(b"unknown")
-    data = tmp_path / "made.dat"
-    done = pack(folder, "-o", data)
+def test_each_file_too_many_is_named_and_left_out(intros, tmp_path, desk):
+    for name in ("002-Unknown.exe", "readme.txt"):
+        (intros / name).write_bytes(b"more")
+    done = run_pack(intros, "-o", tmp_path / "made.dat")
     assert done.returncode == 0
-    assert "not in the menu, left out: 002-Nothing.exe" in done.stdout
-    assert "002-Nothing.exe" not in unpack(data, tmp_path / "unpacked")
+    assert re.findall(r"^too many: (\S+)", done.stderr, re.M) == ["002-Unknown.exe", "readme.txt"]
+    assert set(unpack(desk, tmp_path / "made.dat", tmp_path / "out")) == set(INTRO_FILES)
 
 
-@pytest.mark.parametrize("place", ["nowhere", "empty"])
-def test_says_in_one_line_what_is_wrong_with_a_folder(tmp_path, place):
-    (tmp_path / "empty").mkdir()
-    done = pack(tmp_path / place, "-o", tmp_path / "made.dat", "--incomplete")
-    assert done.returncode != 0
-    assert len(done.stderr.splitlines()) == 1 and done.stderr.startswith("pack: ")
+def test_a_name_in_other_letters_is_missing_and_too_many(intros, tmp_path):
+    (intros / INTRO_FILES[0]).rename(intros / INTRO_FILES[0].upper())
+    done = run_pack(intros, "-o", tmp_path / "made.dat")
+    assert done.returncode == 1
+    assert f"missing:  {INTRO_FILES[0]}\n" in done.stderr
+    assert f"too many: {INTRO_FILES[0].upper()} " in done.stderr
 
 
-def test_pack_beside_the_program_holds_the_intros_that_were_built(tmp_path):
-    held = unpack(BUILD / "OstrikVelmora2009.dat", tmp_path / "unpacked")
-    assert sorted(held) == FILES
-    for content in held.values():
-        assert content[:2] == b"MZ" and len(content) < 64 * 1024
-    assert len(set(held.values())) == 28
+def test_an_empty_folder_is_refused_even_when_incomplete(tmp_path):
+    done = run_pack(tmp_path, "--incomplete", "-o", tmp_path / "made.dat")
+    assert done.returncode == 1
+    assert "nothing to pack" in done.stderr
+    assert not (tmp_path / "made.dat").exists()
 
 
-def test_pack_beside_the_program_is_small():
-    assert (BUILD / "OstrikVelmora2009.dat").stat().st_size < 700 * 1024
+def test_the_data_file_goes_into_the_current_folder_under_its_own_name(intros, tmp_path):
+    assert run_pack(intros, folder=tmp_path).returncode == 0
+    assert (tmp_path / DATA_NAME).read_bytes()[:2] == b"MZ"
+
+
+def test_progress_size_and_checksum_are_shown(intros, tmp_path):
+    done = run_pack(intros, "-o", tmp_path / "made.dat")
+    content = (tmp_path / "made.dat").read_bytes()
+    lines = done.stdout.splitlines()
+    assert [line.split()[3] for line in lines[:28]] == INTRO_FILES
+    assert lines[28] == "compressing"
+    assert lines[29].endswith(f"made.dat: {len(content):,} bytes")
+    assert lines[30] == f"SHA-256 {hashlib.sha256(content).hexdigest()}"
+
+
+def test_the_same_intros_give_the_same_bytes_at_another_time_and_place(intros, tmp_path):
+    run_pack(intros, "-o", tmp_path / "one.dat")
+    moved = tmp_path / "a folder elsewhere"
+    intros.rename(moved)
+    for path in moved.iterdir():
+        os.utime(path, (1, 1))
+    run_pack(moved, "-o", tmp_path / "other.dat")
+    assert (tmp_path / "one.dat").read_bytes() == (tmp_path / "other.dat").read_bytes()
+
+
+def test_the_content_survives_packing(intros, tmp_path, desk):
+    run_pack(intros, "-o", tmp_path / "made.dat")
+    unpacked = unpack(desk, tmp_path / "made.dat", tmp_path / "out")
+    assert unpacked == {name: b"This is " + name.encode() for name in INTRO_FILES}
+
+
+def test_a_folder_that_is_not_there_is_told_in_one_sentence(tmp_path):
+    done = run_pack(tmp_path / "nowhere")
+    assert done.returncode == 1
+    assert done.stderr == f"pack: there is no folder {tmp_path / 'nowhere'}\n"
+
+
+def test_a_missing_makensis_is_told_with_its_package(intros, tmp_path):
+    done = run_pack(intros, "-o", tmp_path / "made.dat", env={"PATH": str(tmp_path)})
+    assert done.returncode == 1
+    assert "Debian's package nsis" in done.stderr
+    assert not (tmp_path / "made.dat").exists()
+
+
+def test_the_pack_unpacks_exactly_the_catalogues_names_and_what_was_built(tmp_path, desk):
+    unpacked = unpack(desk, BUILD / DATA_NAME, tmp_path / "out")
+    assert sorted(unpacked) == sorted(INTRO_FILES)
+    for name, content in unpacked.items():
+        assert content == (BUILD / "sample_pack" / name).read_bytes()
+
+
+def test_the_pack_is_small():
+    assert (BUILD / DATA_NAME).stat().st_size < 700 * 1024
+
+
+@pytest.mark.parametrize("name", INTRO_FILES)
+def test_an_intro_is_a_small_program_that_needs_only_the_system(name):
+    program = PeFile(BUILD / "sample_pack" / name)
+    assert len(program.data) < 64 * 1024
+    assert program.machine == 0x8664
+    assert program.subsystem == 2  # windows and no console
+    assert {library.lower() for library in program.imported_libraries()} <= SYSTEM_LIBRARIES
+
+
+@pytest.mark.parametrize("title, name", ROWS[:28])
+def test_an_intro_bears_the_title_of_its_row(title, name):
+    content = (BUILD / "sample_pack" / name).read_bytes()
+    assert title.partition(". ")[2].encode() + b"\0" in content
