@@ -1,0 +1,133 @@
+"""Makes small changes to the product's code, one at a time in a copy of the tree, and lists those
+that no unit or sequence test notices. Run it by tests/sharpness/run; see --help."""
+
+import argparse
+import random
+import shutil
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+from changes import changes_of
+
+TREE = Path(__file__).resolve().parents[2]
+WORK = TREE / "build" / "sharpness"
+COPY = WORK / "tree"
+BUILD = WORK / "build"
+ROOMS = ("runtime", "display", "input", "audio", "desktop", "launcher")
+COPIED = (*ROOMS, "assets", "cmake", "tests", "tools", "CMakeLists.txt")
+TEST_LIMIT = 20  # seconds for one test: a change may well make it hang
+
+
+def main():
+    options = parse_options()
+    started = time.monotonic()
+    chosen = choose(all_changes(), options)
+    print(f"{len(chosen)} changes; each takes a few seconds.", flush=True)
+    prepare()
+    survivors, noticed, unbuildable = [], 0, 0
+    for number, change in enumerate(chosen, 1):
+        verdict = judge(change)
+        print(f"[{number}/{len(chosen)}] {verdict}: {change}", flush=True)
+        survivors += [change] if verdict == "SURVIVED" else []
+        noticed += verdict == "noticed"
+        unbuildable += verdict == "does not compile"
+    report(survivors, noticed, unbuildable, time.monotonic() - started)
+    return 0
+
+
+def parse_options():
+    parser = argparse.ArgumentParser(prog="tests/sharpness/run", description=__doc__)
+    parser.add_argument("--count", type=int, default=240, help="how many changes (%(default)s)")
+    parser.add_argument("--seed", type=int, default=1, help="which ones (%(default)s)")
+    parser.add_argument("--only", default="", help="only files whose path holds this")
+    return parser.parse_args()
+
+
+def all_changes():
+    sources = sorted(path for room in ROOMS for path in (TREE / room).glob("*.cpp"))
+    return [change for path in sources
+            for change in changes_of(str(path.relative_to(TREE)), path.read_text())]
+
+
+def choose(changes, options):
+    pool = [change for change in changes if options.only in change.path]
+    picked = random.Random(options.seed).sample(pool, min(options.count, len(pool)))
+    return sorted(picked, key=lambda change: (change.path, change.line, change.what))
+
+
+def prepare():
+    shutil.rmtree(COPY, ignore_errors=True)
+    COPY.mkdir(parents=True)
+    for name in COPIED:
+        copy = shutil.copytree if (TREE / name).is_dir() else shutil.copy2
+        copy(TREE / name, COPY / name)
+    (COPY / "build").mkdir()
+    (COPY / "build" / "libmodplug").symlink_to(TREE / "build" / "libmodplug")
+    run("cmake", "-G", "Ninja", "-S", COPY, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Debug",
+        f"-DCMAKE_TOOLCHAIN_FILE={COPY}/cmake/mingw-w64.cmake", "-DCMAKE_CXX_FLAGS=-w -g0 -O0",
+        check=True)
+    run("ninja", "-C", BUILD, *test_programs(), check=True)
+    if not tests_pass(test_programs()):
+        sys.exit("sharpness: the tests fail on the tree as it is")
+
+
+def test_programs():
+    return sorted(path.stem for kind in ("unit", "sequences")
+                  for path in (COPY / "tests" / kind).glob("*_test.cpp"))
+
+
+def own_programs(change):
+    """The programs that look at the changed file first; most changes end there."""
+    stem = Path(change.path).stem
+    return [name for name in test_programs() if name.startswith(stem)]
+
+
+def judge(change):
+    target = COPY / change.path
+    original = target.read_text()
+    lines = original.split("\n")
+    span = change.before.count("\n") + 1
+    lines[change.line - 1:change.line - 1 + span] = change.after.split("\n")
+    target.write_text("\n".join(lines))
+    try:
+        return verdict_on(change)
+    finally:
+        target.write_text(original)
+
+
+def verdict_on(change):
+    first = own_programs(change)
+    rest = [name for name in test_programs() if name not in first]
+    for programs in (first, rest):
+        if programs and run("ninja", "-C", BUILD, *programs).returncode != 0:
+            return "does not compile"
+        if programs and not tests_pass(programs):
+            return "noticed"
+    return "SURVIVED"
+
+
+def tests_pass(programs):
+    # Each program is asked for its tests when ctest starts, so one that cannot even do that fails.
+    listed = "^(" + "|".join(programs) + ")$"
+    return run("ctest", "--test-dir", BUILD, "-L", listed, "--stop-on-failure", "-j2",
+               "--timeout", TEST_LIMIT).returncode == 0
+
+
+def run(*command, check=False):
+    return subprocess.run([str(word) for word in command], stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL, check=check)
+
+
+def report(survivors, noticed, unbuildable, seconds):
+    judged = noticed + len(survivors)
+    share = 100 * noticed / judged if judged else 0
+    print(f"\n{noticed} of {judged} changes noticed ({share:.1f} %), {unbuildable} did not compile; "
+          f"{seconds / 60:.0f} minutes.")
+    for change in survivors:
+        print(f"  {change}")
+
+
+if __name__ == "__main__":
+    sys.exit(main())
