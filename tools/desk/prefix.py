@@ -60,6 +60,15 @@ def make_template(template):
             _make_prefix(template)
 
 
+def _cut_links_to_home(prefix):
+    """Wine makes Documents and its like links to the home of whoever sits there. Programs under
+    test delete folder trees: nothing outside of the prefix may lie in one."""
+    for entry in (prefix / "drive_c" / "users").glob("*/*"):
+        if entry.is_symlink():
+            entry.unlink()
+            entry.mkdir()
+
+
 def clone_template(template, clone, *settings):
     """A prefix of its own: own registry, drives and user folders; the system's files linked."""
     template, clone = Path(template), Path(clone)
@@ -89,6 +98,7 @@ def _make_prefix(template):
         subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
     if done.returncode != 0 or not (unfinished / "user.reg").exists():
         raise DeskError(f"Wine could not make a prefix in {unfinished}")
+    _cut_links_to_home(unfinished)
     os.rename(unfinished, template)
 
 
