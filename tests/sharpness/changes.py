@@ -12,6 +12,10 @@ TOKEN = re.compile(r'"(?:\\.|[^"\\])*"|//.*|(?<![\w.])\d+(?![\w.])|(?<=\s)(?:<=|
 SWAPS = {"&&": "||", "||": "&&", "|": "&", "&": "|", "+": "-", "-": "+", "++": "--", "--": "++",
          "!": "", "TRUE": "FALSE", "FALSE": "TRUE"}
 
+# What keeps a tree's deletion inside of the tree is never changed: a program that climbs to ".."
+# deletes whatever the desk can reach, and that is the home folder or worse.
+UNTOUCHABLE = ("isSelfOrParent", 'strcmp(name, ".', "join(&work, base, entry", "makeBase", "cutInto")
+
 
 @dataclass(frozen=True)
 class Change:
@@ -38,6 +42,8 @@ def changes_of(path, text):
 
 def is_code(line):
     bare = line.strip()
+    if any(text in line for text in UNTOUCHABLE):
+        return False
     return bare and not bare.startswith(("//", "#", "static_assert", "template", "using ", "typedef"))
 
 
