@@ -416,6 +416,15 @@ TEST_F(ListClear, FreesBlocksAndNotElements) {
     EXPECT_EQ(calls.take().size(), 2u);
 }
 
+TEST_F(ListClear, LetsGoOfTheCurrentElementAfterItsBlocks) {
+    fill(1);
+    CallRecorder calls;
+    calls.after("HeapFree", 1, [this] { EXPECT_NE(current, nullptr); });
+    List_Clear(list);
+    EXPECT_EQ(calls.uses("HeapFree"), 1);
+    EXPECT_EQ(current, nullptr);
+}
+
 TEST_F(ListClear, TouchesNoTextsWithoutAFieldMap) {
     TextVariable text = nullptr;
     Text_Assign(&text, "kept");

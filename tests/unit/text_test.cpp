@@ -272,7 +272,9 @@ TEST_F(TextStore, TakesOnlyWhatStandsBehindTheStart) {
     TextVariable variable = nullptr;
     Text_Append("outer");
     Text_Append("inner");
+    HeapRecorder calls;
     Text_Store(&variable, 5);
+    EXPECT_TRUE(calls.match("HeapAlloc(text, 1, 10) -> block1"));
     EXPECT_STREQ(variable, "inner");
     EXPECT_EQ(TextPosition, 5);
     EXPECT_EQ(std::string(TextBase, 5), "outer");
