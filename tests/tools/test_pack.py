@@ -1,4 +1,4 @@
-"""The tool that packs intros, and the pack that the build makes with it."""
+"""The tool that packs intros, the pack that the build makes with it, and the stage that all share."""
 
 import hashlib
 import os
@@ -15,11 +15,10 @@ sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests" / "desk"), str(Path(__fi
 
 from catalogue import INTRO_FILES, ROWS  # noqa: E402
 from desk import Desk  # noqa: E402
+from desk.menu import DATA_NAME, PROGRAM_NAME, STAGED_NAME, Menu, highlighted_row  # noqa: E402
 from pe_file import PeFile  # noqa: E402
 
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
-DATA_NAME = "OstrikVelmora2009.dat"
-STAGED_NAME = "BlahBlubber.exe"
 SYSTEM_LIBRARIES = {"gdi32.dll", "kernel32.dll", "user32.dll", "winmm.dll", "msvcrt.dll"}
 
 
@@ -165,3 +164,76 @@ def test_an_intro_is_a_small_program_that_needs_only_the_system(name):
 def test_an_intro_bears_the_title_of_its_row(title, name):
     content = (BUILD / "sample_pack" / name).read_bytes()
     assert title.partition(". ")[2].encode() + b"\0" in content
+
+
+SHOWN = "000-Velmora2009.exe"
+
+
+def is_lit(pixels):
+    return pixels[:-4, :-4].any()  # the mouse pointer rests in the lowest corner
+
+
+def start_intro(desk):
+    program = desk.start(BUILD / "sample_pack" / SHOWN, BUILD)
+    desk.wait_picture(is_lit, "the intro's picture")
+    desk.screen.focus_top_window()
+    return program
+
+
+def test_escape_held_down_darkens_the_intro_and_its_release_ends_it(desk):
+    program = start_intro(desk)
+    desk.screen.key_down("Escape")
+    desk.wait_picture(lambda pixels: not is_lit(pixels), "darkness")
+    assert program.alive()
+    desk.screen.key_up("Escape")
+    assert program.wait_end() == 0
+
+
+def test_alt_and_f4_end_the_intro(desk):
+    program = start_intro(desk)
+    desk.screen.tap("alt+F4")
+    assert program.wait_end() == 0
+
+
+def test_other_keys_do_not_end_the_intro(desk):
+    program = start_intro(desk)
+    for key in ("Return", "space", "F4", "alt"):
+        desk.press(program, key)
+    assert program.alive()
+    desk.screen.tap("Escape")
+    assert program.wait_end() == 0
+
+
+def test_an_escape_held_for_long_does_not_end_the_menu_behind(tmp_path):
+    with Desk(tmp_path / "desk", BUILD / "desk" / "template") as desk:
+        for name in (PROGRAM_NAME, DATA_NAME):
+            shutil.copy2(BUILD / name, tmp_path)
+        menu = Menu(desk, tmp_path).wait_up()
+        menu.wait_unpacked()
+        menu.press("Return")
+        desk.wait_picture(lambda pixels: is_lit(pixels) and highlighted_row(pixels) is None,
+                          "the intro's picture")
+        desk.screen.focus_top_window()
+        desk.screen.key_down("Escape")
+        desk.wait_picture(lambda pixels: not is_lit(pixels), "darkness")
+        desk.screen.key_up("Escape")
+        menu.wait_up()
+        menu.program.let_run(seconds=0.5, pauses=100)
+        assert menu.program.alive()
+        menu.press("Escape")
+        assert menu.program.wait_end() == 0
+
+
+@pytest.mark.parametrize("size, place", [((1280, 1024), (0, 32, 1280, 992)),
+                                         ((1280, 720), (160, 0, 1120, 720))])
+def test_the_picture_is_as_large_as_fits_and_in_the_middle(tmp_path, size, place):
+    with Desk(tmp_path, BUILD / "desk" / "template", screen_size=size, desktop_size=None,
+              sound=False) as desk:
+        program = start_intro(desk)
+        rows, columns = desk.screen.pixels()[:-4, :-4].any(axis=2).nonzero()
+        left, top, right, bottom = place
+        assert (columns.min(), rows.min()) == (left, top)
+        assert columns.max() + 1 == min(right, size[0] - 4)
+        assert rows.max() + 1 == min(bottom, size[1] - 4)
+        desk.screen.tap("Escape")
+        assert program.wait_end() == 0
