@@ -14,6 +14,7 @@ const Lettering name = Letters_Make("Tumblequill", Face::Serif, 84, Slant::Itali
 struct Side {
     Point corners[3];
     float depth, light;
+    bool isSeen;
 };
 
 // Thrown across the sheet, bouncing from lower edge to lower edge.
@@ -31,7 +32,9 @@ Side makeSide(Vector place, Vector one, Vector other, Vector tip) {
         side.corners[corner] = Space_Project(placed, 410);
         side.depth += placed.z;
     }
-    side.light = Space_Dot(Space_FaceNormal(one, other, tip), {-0.54f, -0.72f, -0.45f});
+    const Vector normal = Space_FaceNormal(one, other, tip);
+    side.light = Space_Dot(normal, {-0.54f, -0.72f, -0.45f});
+    side.isSeen = Space_Dot(normal, one * 0.42f + place) * Space_Dot(normal, one) < 0; // looks here
     return side;
 }
 
@@ -66,8 +69,10 @@ void drawBody(Canvas& canvas, int number, float time) {
     Side list[sides];
     makeSides(placeBody(number, time), {spin, 0.6f * spin, 0.35f * spin}, quill, list);
     for (const Side& side : list) {
-        Canvas_PaintPolygon(canvas, side.corners,
-                            [&](float x, float y) { return hatch(x, y, side.light); });
+        if (!side.isSeen)
+            continue;
+        const auto shade = [&](float x, float y) { return hatch(x, y, side.light); };
+        Canvas_PaintPolygon(canvas, side.corners, shade);
         for (int corner = 0; corner < 3; ++corner)
             Canvas_Line(canvas, side.corners[corner], side.corners[(corner + 1) % 3], 1.5f, ink);
     }

@@ -12,8 +12,6 @@ constexpr Colour walls[] = {0x38284C, 0x2C3458, 0x402C40, 0x243850, 0x342448};
 const Lettering name = Letters_Make("Your Harbour", Face::Serif, 68, Slant::Italic);
 
 Colour shadeSky(float x, float y, float time) {
-    if (y > 156 && y > 214 - 58 * Num_Clouds(x / 110, 3, 4))
-        return 0x141C40; // hills behind the town
     const float dx = x - 86, dy = y - 74, away = std::sqrt(dx * dx + dy * dy);
     const float cloud = Num_Noise(x / 130 + 0.06f * time, y / 22);
     const Colour night = Colour_Mix(0x060A24, 0x2C3C78, y / float(shore));
@@ -116,6 +114,8 @@ void Intro_Draw(Canvas& canvas, float time) {
     drawStars(canvas, time);
     Letters_Colour(canvas, name, 122, 23, 0x080C24);
     Letters_Colour(canvas, name, 120, 20, 0xFFF0D0);
+    for (int x = 0; x < Canvas_Width; ++x) // hills behind the town
+        Canvas_Bar(canvas, x, 214 - int(58 * Num_Clouds(float(x) / 110, 3, 4)), 1, 90, 0x141C40);
     for (int house = 0; house < houseCount; ++house)
         drawHouse(canvas, house, time);
     drawLighthouse(canvas);

@@ -69,8 +69,7 @@ inline float Num_Clouds(float x, float y, int layers) {
     return sum;
 }
 
-// The same on a square whose borders meet, so that it can be laid side by side: far along a side it
-// fades into what lies before the square's beginning.
+// The same on a square whose borders meet: at its end it fades into what lies before its beginning.
 inline float Num_ClosedClouds(float x, float y, float size, float grain, int layers) {
     const auto cloud = [=](float u, float v) { return Num_Clouds(u / grain, v / grain, layers); };
     const float upper[] = {cloud(x, y), cloud(x - size, y)};
