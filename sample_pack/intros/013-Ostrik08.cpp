@@ -78,7 +78,7 @@ constexpr Part parts[] = {
 
 // Sits up, ducks, and sits up again.
 void drawMarmot(Canvas& canvas, float left, float size, float time) {
-    const float up = Num_Smooth(-0.9f, -0.5f, Num_Sin(0.14f * time));
+    const float up = Num_Smooth(-1, -0.8f, Num_Sin(0.14f * time));
     const float nod = 2 * Num_Sin(0.8f * time), foot = 396 + (1 - up) * 92 * size;
     for (const Part& part : parts) {
         const Point centre = {left + size * part.x, foot - size * part.y + (part.y > 70 ? nod : 0)};
@@ -95,14 +95,14 @@ void Intro_Draw(Canvas& canvas, float time) {
     if (heights[0][0] == 0)
         makeMap();
     Canvas_Fill(canvas, [=](float x, float y) { return y < 200 ? shadeSky(x, y, time) : 0; });
-    Letters_PaintTitle(canvas, name, 14, 0x3C68A0, [](float x, float y) {
-        const bool isSnow = y < 34 + 9 * Num_Noise(x / 9, 3);
-        return isSnow ? 0xFFFFFF : Colour_Mix(0x8CA0B8, 0x4C6488, (y - 34) / 40);
-    });
     const float turn = 0.10f + 0.08f * Num_Sin(0.035f * time);
     const Point eye = {40 + 34 * time, 100 + 90 * Num_Sin(0.02f * time)};
     for (int column = 0; column < Canvas_Width; ++column)
         drawColumn(canvas, column, turn, eye);
+    Letters_PaintTitle(canvas, name, 14, 0x3C68A0, [](float x, float y) {
+        const bool isSnow = y < 34 + 9 * Num_Noise(x / 9, 3);
+        return isSnow ? 0xFFFFFF : Colour_Mix(0x8CA0B8, 0x4C6488, (y - 34) / 40);
+    });
     drawMarmot(canvas, 412, 1.35f, time);
     drawMarmot(canvas, 322, 0.7f, time * 1.2f + 3.4f);
 }

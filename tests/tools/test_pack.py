@@ -1,4 +1,4 @@
-"""The tool that packs intros, the pack that the build makes with it, and the stage that all share."""
+"""The tool that packs intros, the pack that the build makes, and the stage that all intros share."""
 
 import hashlib
 import os
