@@ -7,26 +7,6 @@ namespace {
 constexpr COLORREF white = 0xFFFFFF;
 constexpr COLORREF black = 0;
 
-class DrawSequence : public DrawTest {
-protected:
-    DrawSequence() {
-        calls.name(canvas.dc(), "dc");
-        calls.name(Pass.defaultBrush, "defaultBrush");
-        calls.name(Pass.defaultPen, "defaultPen");
-        calls.name(selected(OBJ_BRUSH), "dcBrush");
-        calls.name(selected(OBJ_PEN), "dcPen");
-        calls.name(selected(OBJ_FONT), "dcFont");
-    }
-
-    void beginUnseen(int32_t kind = DrawTarget_Surface) {
-        begin(kind);
-        calls.name(Pass.brush, "brush");
-        calls.take();
-    }
-
-    CallRecorder calls;
-};
-
 TEST_F(DrawSequence, SetUpMakesTheDefaults) {
     Draw_SubsystemInit();
     EXPECT_TRUE(calls.match(R"(
@@ -257,172 +237,6 @@ TEST_F(DrawSequence, TextSetsTheBackgroundInTransparentModeToo) {
     )"));
 }
 
-// --- Images ---
-
-class ImageSequence : public DrawSequence {
-protected:
-    ImageSequence() { calls.name(picture.gdi(), "picture"); }
-    const TestPicture picture{3, {1, 2, 3, 4, 5, 6}}; // 3 by 2
-};
-
-TEST_F(ImageSequence, AnImageIsCopiedAtItsOwnSize) {
-    beginUnseen();
-    Draw_Image(picture.handle(), 20, 10);
-    EXPECT_TRUE(calls.match(R"(
-        GetObjectType(picture) -> 7
-        CreateCompatibleDC(dc) -> dc1
-        GetObjectA(picture, 32, *) -> 32
-        SelectObject(dc1, picture)
-        BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020) -> 1
-        DeleteDC(dc1) -> 1
-    )"));
-    EXPECT_EQ(calls.live("dc"), 0u);
-}
-
-TEST_F(ImageSequence, AnImageInvertsInTheInvertingMode) {
-    beginUnseen();
-    Draw_SetMode(DrawMode_Invert);
-    calls.take();
-    Draw_Image(picture.handle(), 20, 10);
-    Draw_ImageSized(picture.handle(), 20, 10, 6, 4);
-    EXPECT_TRUE(calls.match(R"(
-        ...
-        BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0x1100A6) -> 1
-        ...
-        StretchBlt(dc, 20, 10, 6, 4, dc1, 0, 0, 3, 2, 0x1100A6) -> 1
-        DeleteDC(dc1)
-    )"));
-}
-
-TEST_F(ImageSequence, OtherModeBitsLeaveImagesAlone) {
-    beginUnseen();
-    Draw_SetMode(DrawMode_Transparent | DrawMode_Unfilled);
-    calls.take();
-    Draw_Image(picture.handle(), 20, 10);
-    EXPECT_TRUE(calls.match("...\n BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)\n DeleteDC(dc1)"));
-}
-
-TEST_F(ImageSequence, ItsOwnSizeGivenInFullIsCopied) {
-    beginUnseen();
-    Draw_ImageSized(picture.handle(), 20, 10, 3, 2);
-    EXPECT_TRUE(calls.match("...\n BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)\n DeleteDC(dc1)"));
-}
-
-struct SizedCall {
-    int32_t width;
-    int32_t height;
-    const char* expected;
-};
-
-void PrintTo(const SizedCall& size, std::ostream* out) {
-    *out << size.width << " x " << size.height;
-}
-
-class SizedSequence : public ImageSequence, public testing::WithParamInterface<SizedCall> {};
-
-TEST_P(SizedSequence, IsCopiedOrStretched) {
-    beginUnseen();
-    Draw_ImageSized(picture.handle(), 20, 10, GetParam().width, GetParam().height);
-    EXPECT_TRUE(calls.match(std::string(R"(
-        GetObjectType(picture) -> 7
-        CreateCompatibleDC(dc) -> dc1
-        GetObjectA(picture, 32, *) -> 32
-        SelectObject(dc1, picture)
-        )") + GetParam().expected +
-                            R"(
-        DeleteDC(dc1) -> 1
-    )"));
-}
-
-const SizedCall sizes[] = {
-    {9, 0, "BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)"},
-    {0, 9, "BitBlt(dc, 20, 10, 3, 2, dc1, 0, 0, 0xCC0020)"},
-    {3, 9, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 3, 9, dc1, 0, 0, 3, 2, 0xCC0020)"},
-    {9, 2, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 9, 2, dc1, 0, 0, 3, 2, 0xCC0020)"},
-    {6, 4, "SetStretchBltMode(dc, 4)\n StretchBlt(dc, 20, 10, 6, 4, dc1, 0, 0, 3, 2, 0xCC0020)"},
-};
-
-INSTANTIATE_TEST_SUITE_P(Sizes, SizedSequence, testing::ValuesIn(sizes));
-
-TEST_F(ImageSequence, WithoutAMemoryContextNothingIsDrawn) {
-    beginUnseen();
-    calls.fail("CreateCompatibleDC", 1, 0);
-    Draw_Image(picture.handle(), 20, 10);
-    EXPECT_TRUE(calls.match("GetObjectType(picture)\n CreateCompatibleDC(dc) -> null"));
-}
-
-TEST_F(ImageSequence, ATargetOfBitsTakesAPackedBitmap) {
-    beginUnseen(DrawTarget_Bits);
-    Draw_Image(picture.handle(), 20, 10);
-    EXPECT_TRUE(calls.match(R"(
-        GetObjectType(picture) -> 7
-        CreateCompatibleDC(dc) -> dc1
-        GetObjectA(picture, 32, *) -> 32
-        GetObjectA(picture, 32, *) -> 32
-        GlobalAlloc(0x40, 64) -> global1
-        GetDC(null) -> dc2
-        GetDIBits(dc2, picture, 0, 2, *)
-        ReleaseDC(null, dc2)
-        SetStretchBltMode(dc, 3)
-        StretchDIBits(dc, 20, 10, 3, 2, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0xCC0020)
-        GlobalFree(global1) -> null
-        DeleteDC(dc1) -> 1
-    )"));
-    EXPECT_EQ(calls.live("global"), 0u);
-}
-
-TEST_F(ImageSequence, ATargetOfBitsScalesAndInverts) {
-    beginUnseen(DrawTarget_Bits);
-    Draw_SetMode(DrawMode_Invert);
-    calls.take();
-    Draw_ImageSized(picture.handle(), 20, 10, 6, 5);
-    EXPECT_TRUE(calls.match(R"(
-        ...
-        SetStretchBltMode(dc, 3)
-        StretchDIBits(dc, 20, 10, 6, 5, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0x1100A6)
-        GlobalFree(global1)
-        DeleteDC(dc1)
-    )"));
-}
-
-TEST_F(ImageSequence, ATargetOfBitsWithoutAPackedBitmapGetsNothing) {
-    beginUnseen(DrawTarget_Bits);
-    calls.fail("GetDIBits", 1, 0);
-    Draw_Image(picture.handle(), 20, 10);
-    EXPECT_TRUE(calls.match(R"(
-        ...
-        ReleaseDC(null, dc2)
-        GlobalFree(global1)
-        DeleteDC(dc1) -> 1
-    )"));
-    EXPECT_EQ(canvas.count(ground, 0, 0, 64, 48), 64 * 48);
-}
-
-TEST_F(ImageSequence, WhatIsNoBitmapIsDrawnAsAnIcon) {
-    HICON icon = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION));
-    calls.name(icon, "picture2");
-    beginUnseen();
-    Draw_Image(reinterpret_cast<int64_t>(icon), 20, 10);
-    EXPECT_TRUE(calls.match(R"(
-        GetObjectType(picture2) -> 0
-        DrawIconEx(dc, 20, 10, picture2, 0, 0, 0, null, 3) -> 1
-    )"));
-    Draw_ImageSized(reinterpret_cast<int64_t>(icon), 1, 2, 33, 44);
-    EXPECT_TRUE(calls.match(R"(
-        GetObjectType(picture2) -> 0
-        DrawIconEx(dc, 1, 2, picture2, 33, 44, 0, null, 3) -> 1
-    )"));
-}
-
-TEST_F(ImageSequence, AFailedImageGoesTheIconsWay) {
-    beginUnseen();
-    Draw_Image(0, 20, 10);
-    EXPECT_TRUE(calls.match(R"(
-        GetObjectType(null) -> 0
-        DrawIconEx(dc, 20, 10, null, 0, 0, 0, null, 3) -> 0
-    )"));
-}
-
 // --- After pixel work ---
 
 class ResumeSequence : public DrawSequence {
@@ -473,6 +287,38 @@ TEST_F(ResumeSequence, SetsAModeOfThePass) {
         SetBkMode(dc, 2)
         SelectObject(dc, null)
         SelectObject(dc, dcFont)
+    )"));
+}
+
+TEST_F(ResumeSequence, ComesBeforeANewMode) {
+    Draw_SetMode(DrawMode_Invert);
+    Pass.dcState = -1;
+    calls.take();
+    Draw_SetMode(DrawMode_Transparent);
+    EXPECT_TRUE(calls.match(R"(
+        MulDiv(8, 1, 1)
+        ...
+        SetROP2(dc, 6)
+        SelectObject(dc, brush)
+        SetBkMode(dc, 2)
+        SelectObject(dc, null)
+        SelectObject(dc, null)
+        SetROP2(dc, 13)
+        SelectObject(dc, brush)
+        SetBkMode(dc, 1)
+    )"));
+}
+
+TEST_F(ResumeSequence, ComesBeforeANewFont) {
+    Pass.font = static_cast<HFONT>(selected(OBJ_FONT));
+    Pass.dcState = -1;
+    calls.take();
+    Draw_SetFont(0);
+    EXPECT_TRUE(calls.match(R"(
+        MulDiv(8, 1, 1)
+        ...
+        SelectObject(dc, dcFont)
+        SelectObject(dc, null)
     )"));
 }
 

@@ -51,6 +51,27 @@ protected:
     Canvas canvas;
 };
 
+// A drawing test whose calls are recorded, under names for what the context and the pass hold.
+class DrawSequence : public DrawTest {
+protected:
+    DrawSequence() {
+        calls.name(canvas.dc(), "dc");
+        calls.name(Pass.defaultBrush, "defaultBrush");
+        calls.name(Pass.defaultPen, "defaultPen");
+        calls.name(selected(OBJ_BRUSH), "dcBrush");
+        calls.name(selected(OBJ_PEN), "dcPen");
+        calls.name(selected(OBJ_FONT), "dcFont");
+    }
+
+    void beginUnseen(int32_t kind = DrawTarget_Surface) {
+        begin(kind);
+        calls.name(Pass.brush, "brush");
+        calls.take();
+    }
+
+    CallRecorder calls;
+};
+
 // A bitmap that lives as long as the test.
 class TestPicture {
 public:

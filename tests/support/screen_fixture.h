@@ -21,6 +21,7 @@ protected:
         Keyboard = {};
         Mouse = {};
         ProgramInstance = reinterpret_cast<HMODULE>(0x400000);
+        devices.ddraw.scanLines = {0x7FFFFFFF}; // nobody waits for the raster by mistake
         calls.name(ProgramInstance, "program");
         calls.name(GeneralHeap, "general");
         calls.name(&Screen.primaryDesc, "primaryDesc");

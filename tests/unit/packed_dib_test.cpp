@@ -77,7 +77,8 @@ TEST_P(PackedDibSize, IsHeaderAndPaddedRows) {
 INSTANTIATE_TEST_SUITE_P(Sizes, PackedDibSize,
                          testing::Values(DibSize{1, 1, 40 + 4}, DibSize{2, 3, 40 + 8 * 3},
                                          DibSize{3, 1, 40 + 12}, DibSize{4, 2, 40 + 12 * 2},
-                                         DibSize{5, 1, 40 + 16}, DibSize{8, 5, 40 + 24 * 5}));
+                                         DibSize{5, 1, 40 + 16}, DibSize{8, 5, 40 + 24 * 5},
+                                         DibSize{11, 1, 40 + 36}));
 
 TEST(PackedDib, IsNothingForWhatIsNoBitmap) {
     CallRecorder calls;

@@ -212,6 +212,27 @@ TEST_F(ScreenRestoreSurfaces, WritesRowsOfTheSavedPitchAtTheSurfacesOwn) {
     });
 }
 
+TEST_F(ScreenRestoreSurfaces, WritesNoRowBehindTheLastOne) {
+    ScreenSurface* record = make(0, 0);
+    const int32_t pitch = 12;
+    const size_t rows = pitch * h;
+    record->saved = HeapAlloc(GeneralHeap, 0, 4 + rows + pitch);
+    memcpy(record->saved, &pitch, 4);
+    memset(static_cast<char*>(record->saved) + 4, 0x11, rows + pitch);
+    std::vector<char> memory(rows + pitch, 0);
+    calls.replace<hook::IDirectDrawSurface7_Lock>(
+        [&](IDirectDrawSurface7*, LPRECT, LPDDSURFACEDESC2 desc, DWORD, HANDLE) {
+            desc->lPitch = pitch;
+            desc->lpSurface = memory.data();
+            return DD_OK;
+        });
+    char lastByteAtUnlock = 0;
+    calls.before("IDirectDrawSurface7::Unlock", 1, [&] { lastByteAtUnlock = memory[rows - 1]; });
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(lastByteAtUnlock, 0x11);
+    EXPECT_EQ(memory[rows], 0);
+}
+
 TEST_F(ScreenRestoreSurfaces, WithoutACopyRestoresUndefinedPixels) {
     ScreenSurface* record = make(0);
     draw(record);
