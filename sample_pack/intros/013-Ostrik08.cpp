@@ -101,7 +101,7 @@ void Intro_Draw(Canvas& canvas, float time) {
         drawColumn(canvas, column, turn, eye);
     Letters_PaintTitle(canvas, name, 14, 0x3C68A0, [](float x, float y) {
         const bool isSnow = y < 34 + 9 * Num_Noise(x / 9, 3);
-        return isSnow ? 0xFFFFFF : Colour_Mix(0x8CA0B8, 0x4C6488, (y - 34) / 40);
+        return isSnow ? 0xFFFFFF : Colour_Mix(0x34588C, 0x102848, (y - 34) / 40);
     });
     drawMarmot(canvas, 412, 1.35f, time);
     drawMarmot(canvas, 322, 0.7f, time * 1.2f + 3.4f);
