@@ -1,5 +1,6 @@
 #include "display/screen.h"
 
+#include "tests/support/child_run.h"
 #include "tests/support/screen_fixture.h"
 
 namespace {
@@ -120,5 +121,37 @@ const CallFailure halfSuccesses[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Calls, HalfSuccessfulOpen, testing::ValuesIn(halfSuccesses));
+
+// --- Used although it never opened ---
+
+// Made and ended inside of the child.
+class ScreenThatNeverOpened : public ScreenTest {
+public:
+    ScreenThatNeverOpened() {
+        setUp();
+        calls.fail("IDirectDraw7::SetDisplayMode", 1, DDERR_UNSUPPORTEDMODE);
+        EXPECT_EQ(Screen_Open(w, h, 16, ""), 0);
+    }
+    void TestBody() override {}
+};
+
+ChildReport useScreenThatNeverOpened(void (*use)()) {
+    return runInChild([use] {
+        const ScreenThatNeverOpened screen;
+        use();
+    });
+}
+
+TEST(NeverOpened, FaultsWhenItIsCleared) {
+    EXPECT_TRUE(useScreenThatNeverOpened([] { Screen_Clear(0); }).diedOfMemoryFault());
+}
+
+TEST(NeverOpened, FaultsWhenItIsFlipped) {
+    EXPECT_TRUE(useScreenThatNeverOpened([] { Screen_Flip(); }).diedOfMemoryFault());
+}
+
+TEST(NeverOpened, CanBeClosed) {
+    EXPECT_TRUE(useScreenThatNeverOpened([] { Screen_Close(); }).succeeded());
+}
 
 } // namespace

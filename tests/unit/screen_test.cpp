@@ -1,5 +1,7 @@
 #include "display/screen.h"
 
+#include "display/font.h"
+#include "tests/support/image_fixture.h"
 #include "tests/support/screen_fixture.h"
 
 namespace {
@@ -282,6 +284,24 @@ TEST_F(ScreenClose, FreesTheNumberedSurfaces) {
     Screen_Close();
     EXPECT_EQ(calls.live("block"), blocks - 4) << "three pixel blocks and a loose record";
     EXPECT_EQ(Registry_Lookup(Screen.surfaces, 70), nullptr);
+}
+
+TEST_F(ScreenClose, LeavesImagesAndFontsAlone) {
+    Image_SubsystemInit();
+    Font_SubsystemInit();
+    const BmpFile bmp{.width = 1, .height = 1, .rows = {255, 0, 0, 0}};
+    const int64_t image = Image_FromMemory(0, bmp.build().data());
+    const int64_t font = Font_Load(0, "Arial", 10);
+    open();
+    devices.ddraw.loseSurfaces();
+    Screen_Close();
+    open();
+    EXPECT_EQ(Image_Handle(0), image);
+    EXPECT_EQ(Font_Handle(0), font);
+    EXPECT_EQ(Canvas(reinterpret_cast<HBITMAP>(image)).at(0, 0), 0xFF0000u);
+    EXPECT_EQ(GetObjectType(reinterpret_cast<HGDIOBJ>(font)), static_cast<DWORD>(OBJ_FONT));
+    Image_SubsystemEnd();
+    Font_SubsystemEnd();
 }
 
 using ScreenEnd = ScreenTest;
