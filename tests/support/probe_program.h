@@ -7,7 +7,7 @@
 #include "tests/support/wait_until.h"
 
 #include <cstdio>
-#include <cstdlib>
+#include <share.h>
 #include <sstream>
 #include <string>
 
@@ -28,16 +28,15 @@ public:
 
     // `acts` are words: "speak" writes "spoken" to the standard output and "complained" to the
     // standard error, "listen" reads the standard input to its end, "hold" stays until letGo().
-    explicit Probe(const char* acts = "") {
-        go = CreateEventA(nullptr, TRUE, FALSE, goName().c_str());
-        DeleteFileA(path().c_str());
-        SetEnvironmentVariableA(pathVariable, path().c_str());
+    explicit Probe(const char* acts = "")
+        : path(newPath()), go(CreateEventA(nullptr, TRUE, FALSE, eventName(path).c_str())) {
+        SetEnvironmentVariableA(pathVariable, path.c_str());
         SetEnvironmentVariableA(actsVariable, acts);
     }
     ~Probe() {
         letGo();
         SetEnvironmentVariableA(pathVariable, nullptr);
-        DeleteFileA(path().c_str());
+        DeleteFileA(path.c_str());
         CloseHandle(go);
     }
     Probe(const Probe&) = delete;
@@ -45,15 +44,13 @@ public:
 
     void letGo() { SetEvent(go); }
 
-    bool hasReported() const {
-        return GetFileAttributesA(path().c_str()) != INVALID_FILE_ATTRIBUTES;
-    }
-
     // Waits for the report.
     ProbeReport report() const {
         const QuietScope quiet;
-        EXPECT_TRUE(waitUntil([this] { return hasReported(); })) << "no probe has reported";
-        return read();
+        FILE* file = nullptr;
+        EXPECT_TRUE(waitUntil([&] { return (file = fopen(path.c_str(), "rb")) != nullptr; }))
+            << "no probe has reported";
+        return file ? read(file) : ProbeReport();
     }
 
     static std::string ownPath() {
@@ -75,12 +72,18 @@ private:
     static constexpr const char* pathVariable = "PROBE_REPORT";
     static constexpr const char* actsVariable = "PROBE_ACTS";
 
-    static std::string path() {
+    // One that no child of an earlier probe writes to.
+    static std::string newPath() {
         char folder[MAX_PATH];
         GetTempPathA(sizeof folder, folder);
-        return folder + ("probe" + std::to_string(GetCurrentProcessId()) + ".txt");
+        LARGE_INTEGER now;
+        QueryPerformanceCounter(&now);
+        return folder + ("probe" + std::to_string(GetCurrentProcessId()) + "." +
+                         std::to_string(now.QuadPart) + ".txt");
     }
-    static std::string goName() { return "probe go " + std::to_string(GetCurrentProcessId()); }
+    static std::string eventName(const std::string& reportPath) {
+        return "go " + reportPath.substr(reportPath.rfind('\\') + 1);
+    }
 
     static void act(const std::string& reportPath) {
         char words[64] = "";
@@ -111,31 +114,27 @@ private:
         return heard;
     }
 
-    // The report appears as a whole: it is written under another name.
+    // Nobody can open the report before it is whole, and of two children at once one tells.
     static void tell(const std::string& reportPath, const std::string& heard) {
         char folder[MAX_PATH];
         GetCurrentDirectoryA(sizeof folder, folder);
         STARTUPINFOA startup;
         GetStartupInfoA(&startup);
-        const std::string unfinished = reportPath + ".unfinished";
-        FILE* file = fopen(unfinished.c_str(), "wb");
+        FILE* file = _fsopen(reportPath.c_str(), "wb", _SH_DENYRW);
+        if (!file)
+            return;
         fprintf(file, "%s\n%s\n%s\n%lu %u %lu\n%s", ownPath().c_str(), GetCommandLineA(), folder,
                 GetCurrentProcessId(), startup.wShowWindow, startup.dwFlags, heard.c_str());
         fclose(file);
-        MoveFileA(unfinished.c_str(), reportPath.c_str());
     }
 
-    // The parent's number is in the report's name, and so in the event's.
     static void hold(const std::string& reportPath) {
-        const size_t number = reportPath.rfind("probe") + 5;
-        const std::string name = "probe go " + std::to_string(atoi(&reportPath[number]));
-        HANDLE event = OpenEventA(SYNCHRONIZE, FALSE, name.c_str());
+        HANDLE event = OpenEventA(SYNCHRONIZE, FALSE, eventName(reportPath).c_str());
         WaitForSingleObject(event, 20000);
     }
 
-    static ProbeReport read() {
+    static ProbeReport read(FILE* file) {
         std::string text;
-        FILE* file = fopen(path().c_str(), "rb");
         for (int letter = fgetc(file); letter != EOF; letter = fgetc(file))
             text += static_cast<char>(letter);
         fclose(file);
@@ -150,7 +149,8 @@ private:
         return report;
     }
 
-    HANDLE go; // an event
+    const std::string path; // of the report
+    const HANDLE go;        // an event
 };
 
 // A program whose tests use probes takes this header; it is asked before any test runs.

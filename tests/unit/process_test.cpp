@@ -304,6 +304,7 @@ TEST_F(ProcRun, KeepsItsOwnEndsOfThePipesFromChildren) {
     EXPECT_FALSE(isInheritable(child->stdoutRead));
     EXPECT_FALSE(isInheritable(child->stderrRead));
     CloseHandle(child->stdinWrite);
+    EXPECT_EQ(Proc_WaitEnd(child), 1);
 }
 
 TEST_F(ProcRun, MakesNoPipesForAChildThatIsNotKept) {
