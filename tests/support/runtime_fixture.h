@@ -54,7 +54,9 @@ inline void moveOnReallocation(CallRecorder& calls) {
 // The text that an operation built in the accumulator at `place`.
 inline std::string textAt(int32_t place) { return TextBase + place; }
 
-// For EXPECT_EXIT: the program ended by touching memory that is not there.
-inline bool isAccessViolation(int exitCode) {
-    return static_cast<DWORD>(exitCode) == EXCEPTION_ACCESS_VIOLATION;
+// For EXPECT_EXIT: the program ended by touching memory that is not there, or, where it was built
+// with checks for undefined behaviour, by the trap in front of that access.
+inline bool isMemoryFault(int exitCode) {
+    const auto code = static_cast<DWORD>(exitCode);
+    return code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_ILLEGAL_INSTRUCTION;
 }

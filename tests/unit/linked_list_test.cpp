@@ -114,7 +114,7 @@ TEST_F(ListNew, StopsTheProgramWithoutAHeader) {
             calls.fail("HeapAlloc", 1, 0);
             List_New(8, &current, nullptr, 8);
         },
-        isAccessViolation, "");
+        isMemoryFault, "");
 }
 
 // --- Add ---
@@ -206,7 +206,7 @@ TEST_F(ListAddElement, StopsTheProgramWhenTheHeapIsExhausted) {
             calls.failAlways("HeapAlloc", 0);
             List_AddElement(list);
         },
-        isAccessViolation, "");
+        isMemoryFault, "");
 }
 
 // --- Select ---

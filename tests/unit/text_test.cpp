@@ -297,7 +297,7 @@ TEST_F(TextStore, UsesAFailedAllocationAsItStands) {
             calls.fail("HeapAlloc", 1, 0);
             Text_Store(&variable, 0);
         },
-        isAccessViolation, "");
+        isMemoryFault, "");
 }
 
 // --- Assign ---
@@ -365,7 +365,7 @@ TEST_F(TextAssign, UsesAFailedReallocationAsItStands) {
             calls.fail("HeapReAlloc", 1, 0);
             Text_Assign(&variable, "efgh");
         },
-        isAccessViolation, "");
+        isMemoryFault, "");
 }
 
 // --- The caller's discipline ---
