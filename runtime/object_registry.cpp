@@ -33,8 +33,11 @@ void* numberedRecord(const ObjectRegistry* registry, ObjectId number) {
     return registry->table + number * registry->recordSize;
 }
 
+// A signed product of 32 bits that wraps around and is then widened to a size.
 SIZE_T tableSize(const ObjectRegistry* registry) {
-    return static_cast<SIZE_T>(registry->recordSize * registry->capacity);
+    const uint32_t product = static_cast<uint32_t>(registry->recordSize) *
+                             static_cast<uint32_t>(registry->capacity);
+    return static_cast<SIZE_T>(static_cast<int32_t>(product));
 }
 
 void grow(ObjectRegistry* registry, ObjectId id) {
