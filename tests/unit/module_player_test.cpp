@@ -158,6 +158,7 @@ TEST_F(ModuleTest, LoadingIntoANumberInUseFreesTheOldModule) {
 TEST_F(ModuleTest, LoadingIntoANumberThatPlaysStopsItFirst) {
     load();
     Module_Play(0);
+    waitForHalves(2);
     ModulePlayer* player = load();
     EXPECT_EQ(player->playing, 0);
     EXPECT_EQ(player->renderRunning, 0);
