@@ -17,6 +17,24 @@ bool isIntro(const std::string& commandLine) {
     return commandLine.find("BlahBlubber") == std::string::npos;
 }
 
+// What the process owns at one moment.
+struct Possessions {
+    size_t blocks, processes;      // heap blocks and process handles, as recorded
+    size_t named;                  // everything that is recorded and not given back
+    DWORD gdiObjects, userObjects; // as the system counts them
+};
+
+Possessions possessions(const CallRecorder& calls) {
+    const QuietScope quiet;
+    Possessions now{};
+    now.blocks = calls.live("block");
+    now.processes = calls.live("process");
+    now.named = calls.liveNames().size();
+    now.gdiObjects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    now.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    return now;
+}
+
 } // namespace
 
 TEST(Launch, StopsTheMusicGivesTheScreenBackRunsWaitsAndComesBack) {
@@ -141,20 +159,25 @@ TEST(Launch, SkipsTheRestOfTheFrameThatLaunched) {
     });
 }
 
-TEST(Launch, TenTimesLeavesOneProcessHandleEachAndNothingElse) {
+TEST(Launch, FiftyTimesLeavesOneProcessHandleEachAndNothingElse) {
     onStage([](LauncherStage& stage) {
-        pressEnter(stage, 10);
-        std::vector<std::string> after[2];
-        stage.calls.before("SetWindowTextA", 2, [&] { after[0] = stage.calls.liveNames(); });
-        stage.calls.before("SetWindowTextA", 11, [&] { after[1] = stage.calls.liveNames(); });
+        pressEnter(stage, 50);
+        Possessions early, late;
+        // The first launch and its title make room that later ones use again.
+        stage.calls.before("SetWindowTextA", 2, [&] { early = possessions(stage.calls); });
+        stage.calls.before("SetWindowTextA", 51, [&] { late = possessions(stage.calls); });
         stage.run();
-        EXPECT_EQ(stage.children.size(), 11u);
+        EXPECT_EQ(stage.children.size(), 51u);
         int kept = 0;
         for (LooseBlock* block = processList; block; block = block->older)
             ++kept;
-        EXPECT_EQ(kept, 10);
-        // Nine launches more: nine records more, each a block, and the handle in it.
-        EXPECT_LE(after[1].size(), after[0].size() + 18);
+        EXPECT_EQ(kept, 50);
+        // 49 launches more: a record each, and the process handle in it.
+        EXPECT_EQ(late.blocks, early.blocks + 49);
+        EXPECT_EQ(late.processes, early.processes + 49);
+        EXPECT_EQ(late.named, early.named + 2 * 49);
+        EXPECT_EQ(late.gdiObjects, early.gdiObjects);
+        EXPECT_EQ(late.userObjects, early.userObjects);
     });
 }
 
