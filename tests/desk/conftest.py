@@ -81,7 +81,8 @@ def open_menu(stall):
 def pytest_runtest_makereport(item, call):
     report = (yield).get_result()
     if report.failed and open_desks:
+        desk = open_desks[-1]
         picture = KEPT / "failed" / f"{item.module.__name__}.{item.name}.png"
-        open_desks[-1].save_picture(picture)
-        report.sections.append(("desk", f"last picture: {picture}\n"
-                                        f"logs: {open_desks[-1].folder}"))
+        desk.save_picture(picture)
+        report.sections.append(("desk", f"last picture: {picture}\nlogs: {desk.folder}\n"
+                                        f"running: {', '.join(desk.program_names())}"))

@@ -4,7 +4,7 @@ from pathlib import Path
 
 import numpy
 
-from .waiting import wait_until
+from .waiting import DeskError, wait_until
 
 PROGRAM_NAME = "OstrikVelmora2009.exe"
 DATA_NAME = "OstrikVelmora2009.dat"
@@ -63,8 +63,15 @@ class Menu:
 
     def wait_row(self, row):
         """Waits until the catalogue stands with `row` highlighted, and gives the pixels."""
-        return self.desk.wait_picture(lambda pixels: highlighted_row(pixels) == row,
-                                      f"the menu with row {row} highlighted")
+        what = f"the menu with row {row} highlighted"
+
+        def seen(pixels):
+            if not self.program.alive():
+                raise DeskError(f"waited in vain for {what}: "
+                                f"the program has ended with exit code {self.program.wait_end()}")
+            return highlighted_row(pixels) == row
+
+        return self.desk.wait_picture(seen, what)
 
     def wait_up(self, row=0):
         """Waits for the catalogue and takes the keys. Gives the menu itself."""
