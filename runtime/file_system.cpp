@@ -99,16 +99,15 @@ void deleteFile(const char* path, int32_t flags) {
     DeleteFileA(path);
 }
 
-void deleteEntry(const char* base, const WIN32_FIND_DATAA& entry, const char* pattern,
-                 int32_t flags) {
-    PathBuffer work;
+void deleteEntry(PathBuffer* work, const char* base, const WIN32_FIND_DATAA& entry,
+                 const char* pattern, int32_t flags) {
     // A path too long to be named cannot be deleted: it stays, and so does its folder.
-    if (!join(&work, base, entry.cFileName))
+    if (!join(work, base, entry.cFileName))
         return;
     if (!isFolder(entry.dwFileAttributes))
-        deleteFile(work.text, flags);
+        deleteFile(work->text, flags);
     else if ((flags & DeleteTree_Recurse) && !isSelfOrParent(entry.cFileName))
-        Fs_DeleteTree(work.text, pattern, flags);
+        Fs_DeleteTree(work->text, pattern, flags);
 }
 
 // 0 if the enumeration found nothing at all.
@@ -121,17 +120,22 @@ bool deleteMatches(const char* base, const char* pattern, int32_t flags) {
     if (search == INVALID_HANDLE_VALUE)
         return false;
     do
-        deleteEntry(base, entry, pattern, flags);
+        deleteEntry(&work, base, entry, pattern, flags);
     while (FindNextFileA(search, &entry));
     FindClose(search);
     return true;
 }
 
+// False where there is no room for the backslash.
 bool makeBase(PathBuffer* base, const char* folder) {
-    PathBuffer cut;
-    cutInto(&cut, folder);
-    const bool ended = cut.text[std::strlen(cut.text) - 1] == '\\';
-    return join(base, cut.text, ended ? "" : "\\");
+    cutInto(base, folder);
+    const size_t length = std::strlen(base->text);
+    if (base->text[length - 1] == '\\')
+        return true;
+    if (length == pathLength)
+        return false;
+    std::strcpy(base->text + length, "\\");
+    return true;
 }
 
 } // namespace
