@@ -13,7 +13,7 @@ Word firstWord(const void* record) {
     return word;
 }
 
-// Look-ups judge by the first 32 bits and walks by the first 64: handles fit in 32 bits, and both
+// Look-ups judge by the first 32 bits and walks by the first 64. The difference is meant: both
 // tests stay as they are.
 bool isAliveForLookup(const void* record) { return firstWord<int32_t>(record) != 0; }
 bool isAliveForWalk(const void* record) { return firstWord<int64_t>(record) != 0; }
@@ -35,8 +35,8 @@ void* numberedRecord(const ObjectRegistry* registry, ObjectId number) {
 
 // A signed product of 32 bits that wraps around and is then widened to a size.
 SIZE_T tableSize(const ObjectRegistry* registry) {
-    const uint32_t product = static_cast<uint32_t>(registry->recordSize) *
-                             static_cast<uint32_t>(registry->capacity);
+    const uint32_t product =
+        static_cast<uint32_t>(registry->recordSize) * static_cast<uint32_t>(registry->capacity);
     return static_cast<SIZE_T>(static_cast<int32_t>(product));
 }
 
