@@ -6,6 +6,7 @@
 #include "display/window.h"
 #include "input/keyboard.h"
 
+#include <cstring>
 #include <mmsystem.h>
 
 namespace {
@@ -15,7 +16,7 @@ constexpr UINT timerPeriod = 1; // milliseconds
 
 template <typename Record>
 void resetSized(Record* record) {
-    *record = {};
+    std::memset(record, 0, sizeof *record); // the whole of its unions, too
     record->dwSize = sizeof *record;
 }
 
