@@ -13,8 +13,9 @@ SWAPS = {"&&": "||", "||": "&&", "|": "&", "&": "|", "+": "-", "-": "+", "++": "
          "!": "", "TRUE": "FALSE", "FALSE": "TRUE"}
 
 # What keeps a tree's deletion inside of the tree is never changed: a program that climbs to ".."
-# deletes whatever the desk can reach, and that is the home folder or worse.
-UNTOUCHABLE = ("isSelfOrParent", 'strcmp(name, ".', "join(&work, base, entry", "makeBase", "cutInto")
+# deletes whatever it can reach, and so the desk on which it runs.
+UNTOUCHABLE = ("isSelfOrParent", 'strcmp(name, ".', "join(work, base, entry", "makeBase", "base->text",
+               "cutInto")
 
 
 @dataclass(frozen=True)
