@@ -23,6 +23,8 @@ LauncherStage::LauncherStage() : devices(calls) {
     const std::string name = "stage-" + std::to_string(GetCurrentProcessId());
     folder = std::filesystem::temp_directory_path() / name;
     temp = folder / "temp";
+    // A stage of the same process id may have been left behind by a scenario that died.
+    std::filesystem::remove_all(folder);
     std::filesystem::create_directories(temp);
     SetCurrentDirectoryA(folder.string().c_str());
     writeFile("OstrikVelmora2009.dat", "a self-extractor, said to be");
