@@ -8,6 +8,13 @@
 #include <string>
 #include <windows.h>
 
+// The exit code of a program that touched memory that is not there, or that met, where it was built
+// with checks for undefined behaviour, the trap in front of that access.
+inline bool isMemoryFault(int exitCode) {
+    const auto code = static_cast<DWORD>(exitCode);
+    return code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_ILLEGAL_INSTRUCTION;
+}
+
 struct ChildReport {
     bool timedOut = false; // it was ended from outside
     DWORD exitCode = 0;    // 0: the scenario ended and every expectation in it held
@@ -16,8 +23,7 @@ struct ChildReport {
 
     // The scenario ended and every expectation in it held; otherwise its output is shown.
     bool succeeded() const;
-    // It died of an access to memory that it may not touch.
-    bool diedOfMemoryFault() const { return exitCode == STATUS_ACCESS_VIOLATION; }
+    bool diedOfMemoryFault() const { return isMemoryFault(static_cast<int>(exitCode)); }
 };
 
 // Runs `scenario` in a new process of this test program, at most for `limit`. One use a test. The

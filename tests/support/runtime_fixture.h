@@ -5,6 +5,7 @@
 #include "runtime/program.h"
 #include "runtime/text.h"
 #include "tests/support/call_recorder.h"
+#include "tests/support/child_run.h"
 
 #include <gtest/gtest.h>
 
@@ -53,10 +54,3 @@ inline void moveOnReallocation(CallRecorder& calls) {
 
 // The text that an operation built in the accumulator at `place`.
 inline std::string textAt(int32_t place) { return TextBase + place; }
-
-// For EXPECT_EXIT: the program ended by touching memory that is not there, or, where it was built
-// with checks for undefined behaviour, by the trap in front of that access.
-inline bool isMemoryFault(int exitCode) {
-    const auto code = static_cast<DWORD>(exitCode);
-    return code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_ILLEGAL_INSTRUCTION;
-}
