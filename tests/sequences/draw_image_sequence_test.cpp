@@ -96,6 +96,7 @@ TEST_F(ImageSequence, WithoutAMemoryContextNothingIsDrawn) {
     EXPECT_TRUE(calls.match("GetObjectType(picture)\n CreateCompatibleDC(dc) -> null"));
 }
 
+// More, because the system adds the size of the pixels to the header.
 TEST_F(ImageSequence, ATargetOfBitsTakesAPackedBitmap) {
     beginUnseen(DrawTarget_Bits);
     Draw_Image(picture.handle(), 20, 10);
@@ -109,7 +110,7 @@ TEST_F(ImageSequence, ATargetOfBitsTakesAPackedBitmap) {
         GetDIBits(dc2, picture, 0, 2, *)
         ReleaseDC(null, dc2)
         SetStretchBltMode(dc, 3)
-        StretchDIBits(dc, 20, 10, 3, 2, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0xCC0020)
+        StretchDIBits(dc, 20, 10, 3, 2, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0, and more}, 0, 0xCC0020)
         GlobalFree(global1) -> null
         DeleteDC(dc1) -> 1
     )"));
@@ -124,7 +125,7 @@ TEST_F(ImageSequence, ATargetOfBitsScalesAndInverts) {
     EXPECT_TRUE(calls.match(R"(
         ...
         SetStretchBltMode(dc, 3)
-        StretchDIBits(dc, 20, 10, 6, 5, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0}, 0, 0x1100A6)
+        StretchDIBits(dc, 20, 10, 6, 5, 0, 0, 3, 2, *, {40, 3, 2, 1, 24, 0, and more}, 0, 0x1100A6)
         GlobalFree(global1)
         DeleteDC(dc1)
     )"));

@@ -64,7 +64,7 @@ TEST(Frame, OfTheCataloguePageAsksWindowsInThisOrder) {
         stage.calls.before("IDirectDrawSurface7::Flip", 4, [&] {
             EXPECT_TRUE(stage.calls.match(R"(
                 Sleep(1)
-                IDirectDrawSurface7::Blt(surface2, null, null, null, 0x400, *) -> 0
+                IDirectDrawSurface7::Blt(surface2, null, null, null, 0x400, {128, fill 0}) -> 0
                 IDirectInputDevice7A::GetDeviceState(device1, 256, *) -> 0
                 IDirectDrawSurface7::GetDC(surface2, *) -> 0
                 SetTextAlign(*, 1)

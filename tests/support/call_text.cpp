@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 namespace {
 
@@ -70,6 +71,18 @@ template <typename Interface>
 std::string handOut(void* object) {
     auto* typed = static_cast<Interface*>(object);
     return call_text::showPointee(&typed, call_text::Known::now);
+}
+
+// Shown fields are taken out of a copy; what is left of it must be zeros.
+template <typename Field>
+Field taken(Field* field) {
+    return std::exchange(*field, Field{});
+}
+
+template <typename Record>
+const char* andMore(const Record& rest) {
+    const Record zeros = {};
+    return memcmp(&rest, &zeros, sizeof rest) == 0 ? "" : ", and more";
 }
 
 } // namespace
@@ -156,28 +169,40 @@ std::string fields(const WNDCLASSEXA& window) {
 }
 
 std::string fields(const BITMAPINFO& info) {
-    const BITMAPINFOHEADER& header = info.bmiHeader;
-    return braces({value(header.biSize), value(header.biWidth), value(header.biHeight),
-                   value(header.biPlanes), value(header.biBitCount), value(header.biCompression)});
+    BITMAPINFOHEADER rest = info.bmiHeader;
+    const std::string shown = value(taken(&rest.biSize)) + ", " + value(taken(&rest.biWidth)) +
+                              ", " + value(taken(&rest.biHeight)) + ", " +
+                              value(taken(&rest.biPlanes)) + ", " + value(taken(&rest.biBitCount)) +
+                              ", " + value(taken(&rest.biCompression));
+    return "{" + shown + andMore(rest) + "}";
 }
 
 std::string fields(const DDSURFACEDESC2& surface) {
-    std::string text = "{" + value(surface.dwSize) + ", flags " + value(surface.dwFlags);
-    if (surface.dwFlags & DDSD_WIDTH)
-        text += ", width " + value(surface.dwWidth);
-    if (surface.dwFlags & DDSD_HEIGHT)
-        text += ", height " + value(surface.dwHeight);
-    if (surface.dwFlags & DDSD_BACKBUFFERCOUNT)
-        text += ", backs " + value(surface.dwBackBufferCount);
-    if (surface.dwFlags & DDSD_CAPS)
-        text += ", caps " + value(surface.ddsCaps.dwCaps);
-    return text + "}";
+    DDSURFACEDESC2 rest = surface;
+    const DWORD flags = taken(&rest.dwFlags);
+    std::string text = "{" + value(taken(&rest.dwSize)) + ", flags " + value(flags);
+    if (flags & DDSD_WIDTH)
+        text += ", width " + value(taken(&rest.dwWidth));
+    if (flags & DDSD_HEIGHT)
+        text += ", height " + value(taken(&rest.dwHeight));
+    if (flags & DDSD_BACKBUFFERCOUNT)
+        text += ", backs " + value(taken(&rest.dwBackBufferCount));
+    if (flags & DDSD_CAPS)
+        text += ", caps " + value(taken(&rest.ddsCaps.dwCaps));
+    return text + andMore(rest) + "}";
 }
 
-std::string fields(const DDSCAPS2& caps) { return braces({"caps " + value(caps.dwCaps)}); }
+std::string fields(const DDSCAPS2& caps) {
+    DDSCAPS2 rest = caps;
+    const std::string shown = "caps " + value(taken(&rest.dwCaps));
+    return "{" + shown + andMore(rest) + "}";
+}
 
 std::string fields(const DDBLTFX& effects) {
-    return braces({value(effects.dwSize), "fill " + value(effects.dwFillColor)});
+    DDBLTFX rest = effects;
+    const std::string shown =
+        value(taken(&rest.dwSize)) + ", fill " + value(taken(&rest.dwFillColor));
+    return "{" + shown + andMore(rest) + "}";
 }
 
 std::string fields(const DIDATAFORMAT& format) {
