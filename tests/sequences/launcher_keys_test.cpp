@@ -44,6 +44,35 @@ void expectFirstLine(int lineCount, const std::vector<uint8_t>& keys, int64_t ex
         [=](LauncherStage& stage) { EXPECT_EQ(firstLineAfter(stage, lineCount, keys), expected); });
 }
 
+// A key that is let go in the frame after Enter has opened the info page, which ignores it.
+void expectForgottenOnTheInfoPage(uint8_t key) {
+    onStage([=](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.SelectedRow = 28; });
+        stage.devices.input.script({{DIK_RETURN, key}, {key}, {}, {DIK_ESCAPE}, {}});
+        stage.devices.input.rest(2);
+        stage.run();
+        EXPECT_EQ(Launcher.SelectedRow, 28);
+    });
+}
+
+// Enter on a row whose file name is another one.
+void enterOnRenamed(LauncherStage& stage, int64_t row, const char* name) {
+    stage.calls.before("IDirectDrawSurface7::Flip", 1, [=] {
+        Launcher.SelectedRow = row;
+        Text_Assign(&Launcher.IntroCatalogue[row].ExeName, name);
+    });
+    stage.devices.input.press(DIK_RETURN);
+}
+
+void expectRunOfRenamed(int64_t row, const char* name) {
+    onStage([=](LauncherStage& stage) {
+        enterOnRenamed(stage, row, name);
+        stage.run();
+        ASSERT_EQ(stage.children.size(), 2u);
+        EXPECT_NE(stage.children[1].commandLine.find(name), std::string::npos);
+    });
+}
+
 } // namespace
 
 TEST(Keys, UpGoesToTheRowBefore) { expectRow(7, DIK_UP, 6); }
@@ -70,23 +99,39 @@ TEST(Keys, LeftAndRightLetGoTogetherMoveThereAndBack) {
     });
 }
 
-TEST(Keys, TwoLetGoInOneSnapshotBothActInTheirOrder) {
+TEST(Keys, TwoLetGoInOneSnapshotBothAct) {
     onStage([](LauncherStage& stage) {
-        // Up to row 14, then across to row 29: the other order would end at row 29 as well, so Down
-        // comes third and tells: from row 29 it wraps to row 15.
-        stage.devices.input.script({{DIK_UP, DIK_RIGHT}, {DIK_DOWN}, {}});
+        stage.devices.input.script({{DIK_UP, DIK_RIGHT}, {}});
         stage.run();
-        EXPECT_EQ(Launcher.SelectedRow, 15);
+        EXPECT_EQ(Launcher.SelectedRow, 29);
     });
 }
 
-TEST(Keys, UpBeforeDownInOneSnapshotComesBackToTheSameRow) {
+TEST(Keys, UpAndDownLetGoTogetherComeBackToTheSameRow) {
     onStage([](LauncherStage& stage) {
         stage.devices.input.script({{DIK_UP, DIK_DOWN}, {}});
         stage.run();
         EXPECT_EQ(Launcher.SelectedRow, 0);
     });
 }
+
+TEST(Keys, UpActsBeforeDownOnTheFirstPage) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.script({{DIK_UP, DIK_DOWN}, {}});
+        EXPECT_EQ(firstLineAfter(stage, 121, {}), 60) << "up stays there, then comes down";
+    });
+}
+
+TEST(Keys, UpActsBeforeDownOnTheLastPage) {
+    onStage([](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 2, [] { Launcher.InfoFirstLine = 120; });
+        stage.devices.input.script({{DIK_UP, DIK_DOWN}, {}});
+        EXPECT_EQ(firstLineAfter(stage, 121, {}), 120) << "up goes to 60, and down back again";
+    });
+}
+
+TEST(Keys, LeftLetGoOnTheInfoPageIsForgottenThere) { expectForgottenOnTheInfoPage(DIK_LEFT); }
+TEST(Keys, RightLetGoOnTheInfoPageIsForgottenThere) { expectForgottenOnTheInfoPage(DIK_RIGHT); }
 
 TEST(Keys, HeldActOnceAndOnlyWhenTheyAreLetGo) {
     onStage([](LauncherStage& stage) {
@@ -153,13 +198,40 @@ TEST(Keys, EnterAndEscapeTogetherOnTheInfoRowOpenAndCloseThePage) {
         stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.SelectedRow = 28; });
         stage.devices.input.script({{DIK_RETURN, DIK_ESCAPE}, {}, {}, {}});
         stage.doNotLeave();
-        stage.calls.before("IDirectDrawSurface7::Flip", 4, [&] {
-            EXPECT_EQ(Launcher.MenuMode, MenuMode_Catalogue);
+        int64_t modeThen = -1;
+        stage.calls.before("IDirectDrawSurface7::Flip", 3, [&] {
+            modeThen = Launcher.MenuMode;
             stage.devices.input.press(DIK_ESCAPE);
         });
         EXPECT_EQ(stage.run().exitCode, 0u);
+        EXPECT_EQ(modeThen, MenuMode_Catalogue) << "within the one frame";
     });
 }
+
+TEST(Keys, EnterOnAnyRowNamedLikeTheInfoRowShowsTheInfoPage) {
+    onStage([](LauncherStage& stage) {
+        enterOnRenamed(stage, 0, "NFOFILE");
+        int64_t modeThen = -1;
+        stage.calls.before("IDirectDrawSurface7::Flip", 3, [&] { modeThen = Launcher.MenuMode; });
+        stage.run();
+        EXPECT_EQ(modeThen, MenuMode_Info);
+        EXPECT_EQ(stage.children.size(), 1u);
+    });
+}
+
+TEST(Keys, EnterOnAnyRowNamedLikeTheQuitRowLeaves) {
+    onStage([](LauncherStage& stage) {
+        enterOnRenamed(stage, 0, "QUIT");
+        stage.run();
+        EXPECT_EQ(stage.children.size(), 1u);
+        EXPECT_TRUE(std::filesystem::exists(stage.stagingFolder())) << "by the quit row's way out";
+    });
+}
+
+TEST(Keys, EnterRunsTheInfoRowUnderAnotherName) { expectRunOfRenamed(28, "one.exe"); }
+TEST(Keys, EnterRunsTheQuitRowUnderAnotherName) { expectRunOfRenamed(29, "one.exe"); }
+TEST(Keys, EnterTakesQuitInSmallLettersForAFile) { expectRunOfRenamed(29, "quit"); }
+TEST(Keys, EnterTakesNfoFileInSmallLettersForAFile) { expectRunOfRenamed(28, "NfoFile"); }
 
 TEST(Keys, InfoPageKeepsItsPlaceOverAnIntro) {
     onStage([](LauncherStage& stage) {

@@ -225,13 +225,22 @@ TEST(Launch, KeyHeldWhenTheScreenComesBackCountsAsAPress) {
     });
 }
 
-TEST(Launch, KeyPressedAndLetGoWhileTheIntroRanHasNoEffect) {
+TEST(Launch, TakesTheRowThatDownHasReachedInTheSameSnapshot) {
+    onStage([](LauncherStage& stage) {
+        stage.devices.input.script({{DIK_DOWN, DIK_RETURN}, {}});
+        stage.run();
+        ASSERT_EQ(stage.children.size(), 2u);
+        EXPECT_NE(stage.children[1].commandLine.find("001-"), std::string::npos)
+            << stage.children[1].commandLine;
+    });
+}
+
+TEST(Launch, SetsTheTopOfTheListAnew) {
     onStage([](LauncherStage& stage) {
         pressEnter(stage);
-        stage.devices.input.rest(3); // pressed and let go meanwhile: no snapshot shows it
+        stage.calls.before("CreateProcessA", 2, [] { Launcher.MenuTop = 0; });
         stage.run();
-        EXPECT_EQ(Launcher.SelectedRow, 0);
-        EXPECT_EQ(stage.children.size(), 2u);
+        EXPECT_EQ(Launcher.MenuTop, 145);
     });
 }
 
