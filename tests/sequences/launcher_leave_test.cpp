@@ -4,6 +4,7 @@
 
 #include "input/keyboard.h"
 #include "launcher/end.h"
+#include "runtime/file.h"
 
 namespace {
 
@@ -67,6 +68,19 @@ TEST(WaysOut, EscapeRemovesTheStagingFolderFirst) {
         EXPECT_EQ(stage.run().exitCode, 0u);
         EXPECT_TRUE(stage.calls.match(endOfAnOpenScreen));
         EXPECT_FALSE(std::filesystem::exists(stage.stagingFolder()));
+    });
+}
+
+TEST(WaysOut, CloseAFileThatIsStillOpenBehindTheFonts) {
+    onStage([](LauncherStage& stage) {
+        watchEnd(stage.calls);
+        stage.calls.before("IDirectDrawSurface7::Flip", 1,
+                           [] { EXPECT_NE(File_OpenRead(5, "OstrikVelmora2009.dat"), 0); });
+        stage.calls.before("ClipCursor", 1, [&] { stage.calls.take(); });
+        stage.run();
+        std::string end = endOfAnOpenScreen;
+        end.insert(end.find("HeapDestroy"), "CloseHandle(file1) -> 1\n");
+        EXPECT_TRUE(stage.calls.match(end.c_str()));
     });
 }
 

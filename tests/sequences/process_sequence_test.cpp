@@ -39,7 +39,7 @@ protected:
             if (!startsByShell)
                 return FALSE;
             const QuietScope quiet;
-            given->hProcess = ended();
+            given->hProcess = shellMakesProcess ? ended() : nullptr;
             return TRUE;
         });
         calls.except({"GetCurrentProcess"});
@@ -49,9 +49,10 @@ protected:
     CallRecorder calls;
     bool startsProcess = true;
     bool startsByShell = true;
-    STARTUPINFOA startup{};    // as CreateProcessA got it
-    SHELLEXECUTEINFOA shell{}; // as ShellExecuteExA got it
-    int input, output, error;  // their addresses stand for the parent's standard handles
+    bool shellMakesProcess = true; // a document may be handed to a program that runs already
+    STARTUPINFOA startup{};        // as CreateProcessA got it
+    SHELLEXECUTEINFOA shell{};     // as ShellExecuteExA got it
+    int input, output, error;      // their addresses stand for the parent's standard handles
 };
 
 TEST_F(ProcessSequence, OfTheSetUp) {
@@ -379,6 +380,37 @@ TEST_F(ProcessSequence, OfAShellStartThatIsWaitedForAndKept) {
     EXPECT_EQ(child->stdinWrite, nullptr);
     EXPECT_EQ(child->stdoutRead, nullptr);
     EXPECT_EQ(child->stderrRead, nullptr);
+}
+
+TEST_F(ProcessSequence, OfAShellStartThatMakesNoProcess) {
+    startsProcess = false;
+    shellMakesProcess = false;
+    EXPECT_EQ(Proc_Run("x.txt", "", "", 0), 1);
+    EXPECT_TRUE(calls.match(R"(
+        HeapAlloc(general, 0, 9) -> block1
+        CreateProcessA(*) -> 0
+        ShellExecuteExA(*) -> 1
+        CloseHandle(null) -> 0
+        HeapFree(general, 0, block1) -> 1
+    )"));
+}
+
+TEST_F(ProcessSequence, OfAShellStartThatMakesNoProcessToWaitForAndKeep) {
+    startsProcess = false;
+    shellMakesProcess = false;
+    const auto* child =
+        reinterpret_cast<const ProcessHandle*>(Proc_Run("x.txt", "", "", PROC_WAIT | PROC_KEEP));
+    EXPECT_TRUE(calls.match(R"(
+        HeapAlloc(general, 0, 9) -> block1
+        CreateProcessA(*) -> 0
+        ShellExecuteExA(*) -> 1
+        WaitForSingleObject(null, -1) -> -1
+        HeapAlloc(loose, 8, 56) -> block2
+        HeapFree(general, 0, block1) -> 1
+    )"));
+    ASSERT_NE(child, nullptr);
+    EXPECT_EQ(child->process, nullptr);
+    EXPECT_EQ(child->processId, -1);
 }
 
 TEST_F(ProcessSequence, OfAShellStartThatFails) {
