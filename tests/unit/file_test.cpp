@@ -448,6 +448,31 @@ TEST_F(FileFlush, GivesZeroWhenNothingCouldBeWritten) {
 
 // --- The end of the file ---
 
+using FileReadResult = FileTest;
+
+// Delivers a byte, and says that it has failed.
+BOOL readAndRefuse(HANDLE, void* destination, DWORD, DWORD* count, OVERLAPPED*) {
+    *static_cast<char*>(destination) = 'x';
+    *count = 1;
+    return FALSE;
+}
+
+TEST_F(FileReadResult, IsNotLookedAtByARead) {
+    openNew(0, "");
+    FileRecorder calls;
+    calls.replace<hook::ReadFile>(readAndRefuse);
+    char byte = 0;
+    EXPECT_EQ(File_ReadBytes(record(0), &byte, 1), 1);
+    EXPECT_EQ(byte, 'x');
+}
+
+TEST_F(FileReadResult, IsNotLookedAtByTheLookAhead) {
+    openNew(0, "");
+    FileRecorder calls;
+    calls.replace<hook::ReadFile>(readAndRefuse);
+    EXPECT_EQ(File_IsEof(0), 0);
+}
+
 using FileIsEof = FileTest;
 
 TEST_F(FileIsEof, GivesZeroForAnUnknownFile) {

@@ -163,6 +163,18 @@ TEST_F(RegistryClaim, TakesTheTablesSizeAs32Bits) {
     EXPECT_EQ(wide->capacity, 0x10010);
 }
 
+TEST_F(RegistryClaim, TakesATablesSizeAsSigned) {
+    ObjectRegistry* const wide = Registry_New(0x10000, 16, nullptr);
+    HeapRecorder calls;
+    SIZE_T asked = 0;
+    calls.replace<hook::HeapReAlloc>([&](HANDLE, DWORD, void* old, SIZE_T size) {
+        asked = size;
+        return old;
+    });
+    Registry_Claim(wide, 0x8000); // 0x8010 records of 0x10000 bytes
+    EXPECT_EQ(asked, 0xFFFFFFFF80100000u);
+}
+
 TEST_F(RegistryClaim, StopsTheProgramAtTheFirstAccessAfterAFailedGrowth) {
     EXPECT_EXIT(
         {
@@ -253,13 +265,16 @@ TEST_F(RegistryLookup, TakesAnythingOutsideTheTableForAnAddress) {
 
 TEST_F(RegistryLookup, TakesTheCapacityItselfForAnAddress) {
     // A number that is an address as well, and exactly the capacity.
-    void* const low = reinterpret_cast<void*>(0x30000000);
-    auto* const record = static_cast<Record*>(
-        VirtualAlloc(low, sizeof(Record), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-    ASSERT_EQ(record, low);
+    ObjectId number = 0x10000000;
+    Record* record = nullptr;
+    for (; !record && number < 0x70000000; number += 0x1000000)
+        record = static_cast<Record*>(VirtualAlloc(reinterpret_cast<void*>(number), sizeof(Record),
+                                                   MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_NE(record, nullptr) << "no free place that low";
+    number = reinterpret_cast<ObjectId>(record);
     record->handle = 1;
-    registry->capacity = 0x30000000;
-    EXPECT_EQ(Registry_Lookup(registry, 0x30000000), record);
+    registry->capacity = static_cast<int32_t>(number);
+    EXPECT_EQ(Registry_Lookup(registry, number), record);
     VirtualFree(record, 0, MEM_RELEASE);
 }
 
