@@ -65,7 +65,6 @@ TEST_P(FocusLoss, DropsTheFrameAndShowsAWholeOneAfterTheReturn) {
         EXPECT_GT(whiteBefore, 5000);
         EXPECT_EQ(flipsBack, flipsAway) << "nothing is presented in the background";
         EXPECT_GT(stage.devices.ddraw.flips(), flipsBack + 3) << "and frames go on afterwards";
-        EXPECT_EQ(stage.devices.ddraw.shownCount(wholeScreen, white), 0) << "closed by now";
     });
 }
 

@@ -132,7 +132,7 @@ TEST(ProgramStart, DoesNotWaitForTheSelfExtractor) {
     });
 }
 
-TEST(ProgramStart, ClearsWhatAnEarlierRunLeftBeforeItLooksForTheDataFile) {
+TEST(ProgramStart, ClearsWhatAnEarlierRunLeft) {
     onStage([](LauncherStage& stage) {
         std::filesystem::create_directories(stage.stagingFolder() / "old");
         stage.writeFile("temp\\Qev\\old\\left.exe", "left");
@@ -218,11 +218,20 @@ TEST(ProgramStart, WithoutDataFileSaysSoAndEnds) {
     });
 }
 
-TEST(ProgramStart, TakesAFolderAndAnEmptyFileForTheDataFile) {
+TEST(ProgramStart, TakesAFolderForTheDataFile) {
     onStage([](LauncherStage& stage) {
         std::filesystem::remove(stage.folder / "OstrikVelmora2009.dat");
         std::filesystem::create_directory(stage.folder / "OstrikVelmora2009.dat");
         stage.missing = "BlahBlubber";
+        EXPECT_EQ(stage.run().exitCode, 0u);
+        EXPECT_TRUE(stage.devices.desktop->messageBoxes.empty());
+        EXPECT_GT(stage.devices.ddraw.flips(), 0) << "the menu came up";
+    });
+}
+
+TEST(ProgramStart, TakesAnEmptyFileForTheDataFile) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("OstrikVelmora2009.dat", "");
         EXPECT_EQ(stage.run().exitCode, 0u);
         EXPECT_TRUE(stage.devices.desktop->messageBoxes.empty());
         EXPECT_GT(stage.devices.ddraw.flips(), 0) << "the menu came up";
