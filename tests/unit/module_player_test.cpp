@@ -171,6 +171,7 @@ TEST_F(ModuleTest, LoadingGivesALooseRecordWhereNoNumberIsGiven) {
     ASSERT_NE(player, nullptr);
     const auto id = reinterpret_cast<ObjectId>(player);
     EXPECT_EQ(Module_Play(id), 1);
+    waitForHalves(2);
     EXPECT_TRUE(devices.sound.isPlaying());
     Module_Stop(id);
     EXPECT_FALSE(devices.sound.isPlaying());
