@@ -64,12 +64,11 @@ def prepare():
     for name in COPIED:
         copy = shutil.copytree if (TREE / name).is_dir() else shutil.copy2
         copy(TREE / name, COPY / name)
-    (COPY / "build").mkdir()
-    (COPY / "build" / "libmodplug").symlink_to(TREE / "build" / "libmodplug")
-    run("cmake", "-G", "Ninja", "-S", COPY, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Debug",
-        f"-DCMAKE_TOOLCHAIN_FILE={COPY}/cmake/mingw-w64.cmake", "-DCMAKE_CXX_FLAGS=-w -g0 -O0",
-        check=True)
-    run("ninja", "-C", BUILD, *test_programs(), check=True)
+    shutil.copytree(TREE / "build" / "libmodplug", COPY / "build" / "libmodplug")
+    must_run("cmake", "-G", "Ninja", "-S", COPY, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Debug",
+             f"-DCMAKE_TOOLCHAIN_FILE={COPY}/cmake/mingw-w64.cmake",
+             "-DCMAKE_CXX_FLAGS=-w -g0 -O0")
+    must_run("ninja", "-C", BUILD, *test_programs())
     if not tests_pass(test_programs()):
         sys.exit("sharpness: the tests fail on the tree as it is")
 
@@ -119,9 +118,16 @@ def tests_pass(programs):
                "-j2", "--timeout", TEST_LIMIT).returncode == 0
 
 
-def run(*command, check=False):
+def run(*command):
     return subprocess.run([str(word) for word in command], stdout=subprocess.DEVNULL,
-                          stderr=subprocess.DEVNULL, check=check)
+                          stderr=subprocess.DEVNULL)
+
+
+def must_run(*command):
+    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, text=True)
+    if done.returncode != 0:
+        sys.exit(f"{done.stdout}\nsharpness: {command[0]} failed on the tree as it is")
 
 
 def report(survivors, noticed, unbuildable, seconds):
