@@ -80,12 +80,12 @@ class Desk:
         `missing` libraries."""
         environment = dict(self.environment)
         environment["WINEDLLOVERRIDES"] += "".join(f";{library}=" for library in missing)
-        return Program(self._children.start("program", [WINE, str(path)], cwd=folder,
+        return Program(self._children.start("program", [*WINE, str(path)], cwd=folder,
                                             env=environment))
 
     def ask(self, path, *arguments, limit=30):
         """Runs a Windows console program to its end and gives what it printed."""
-        done = subprocess.run([WINE, str(path), *arguments], env=self.environment, text=True,
+        done = subprocess.run([*WINE, str(path), *arguments], env=self.environment, text=True,
                               cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, timeout=limit)
         if done.returncode != 0:

@@ -9,7 +9,10 @@ from pathlib import Path
 from .locking import locked
 from .waiting import DeskError
 
-WINE = "/usr/lib/wine/wine64"
+WINE_LOADER = "/usr/lib/wine/wine64"
+# Linux puts a program's heap at random within a GiB behind it, once in some thousand starts where
+# Wine needs a fixed address; Wine then ends at once, with code 1 and without a word.
+WINE = ["setarch", "--addr-no-randomize", WINE_LOADER]
 WINESERVER = "/usr/lib/wine/wineserver64"
 
 # A crash must end the program with its own exit code and without a box that nobody closes.
@@ -70,29 +73,30 @@ def _cut_links_to_home(prefix):
 
 
 def clone_template(template, clone, *settings):
-    """A prefix of its own: own registry, drives and user folders; the system's files linked."""
+    """A prefix of its own: own registry, drives and user folders; the system's files linked. It is
+    there as a whole or not at all."""
     template, clone = Path(template), Path(clone)
-    (clone / "drive_c").mkdir(parents=True)
+    unfinished = _make_unfinished(clone)
+    (unfinished / "drive_c").mkdir()
     for name in ("system.reg", "user.reg", "userdef.reg", ".update-timestamp"):
-        shutil.copy2(template / name, clone / name)
-    shutil.copytree(template / "dosdevices", clone / "dosdevices", symlinks=True)
-    shutil.copytree(template / "drive_c" / "users", clone / "drive_c" / "users", symlinks=True)
+        shutil.copy2(template / name, unfinished / name)
+    for name in ("dosdevices", "drive_c/users"):
+        shutil.copytree(template / name, unfinished / name, symlinks=True)
     for entry in (template / "drive_c").iterdir():
         if entry.name != "users":
-            (clone / "drive_c" / entry.name).symlink_to(entry)
+            (unfinished / "drive_c" / entry.name).symlink_to(entry)
     for group in settings:
-        _add_settings(clone / "user.reg", group)
+        _add_settings(unfinished / "user.reg", group)
+    os.rename(unfinished, clone)
 
 
 def _make_prefix(template):
-    if not os.path.exists(WINE):
+    if not os.path.exists(WINE_LOADER):
         raise DeskError("Wine (64-bit) is not installed: run tools/setup first")
-    unfinished = template.with_name(template.name + ".unfinished")
-    shutil.rmtree(unfinished, ignore_errors=True)
-    unfinished.mkdir(parents=True)
+    unfinished = _make_unfinished(template)
     with tempfile.TemporaryDirectory(prefix="desk-") as sockets:
         environment = wine_environment(unfinished, DISPLAY=None, TMPDIR=sockets)
-        done = subprocess.run([WINE, "wineboot", "--init"], env=environment, capture_output=True,
+        done = subprocess.run([*WINE, "wineboot", "--init"], env=environment, capture_output=True,
                               stdin=subprocess.DEVNULL)
         # The registry reaches the disk when the server has ended.
         subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
@@ -100,6 +104,13 @@ def _make_prefix(template):
         raise DeskError(f"Wine could not make a prefix in {unfinished}")
     _cut_links_to_home(unfinished)
     os.rename(unfinished, template)
+
+
+def _make_unfinished(prefix):
+    unfinished = prefix.with_name(prefix.name + ".unfinished")
+    shutil.rmtree(unfinished, ignore_errors=True)
+    unfinished.mkdir(parents=True)
+    return unfinished
 
 
 def _add_settings(registry_file, settings):
