@@ -1,18 +1,16 @@
 """A screen without a monitor: an X server, its pixels, its keys and its mouse."""
 
 import os
+import select
 import subprocess
 
 import numpy
 
 from .waiting import DeskError, wait_until
 
-FIRST_NUMBER = 150
-NUMBERS = 50
-
 
 class Screen:
-    """One Xvfb of the given size on a display number that nobody else has."""
+    """One Xvfb of the given size, on a display of its own."""
 
     def __init__(self, children, folder, size):
         self.size = size
@@ -47,29 +45,23 @@ class Screen:
         self._xdotool("windowfocus", "--sync", window)
 
     def _start_server(self, folder):
-        first = os.getpid() % NUMBERS
-        for step in range(NUMBERS):
-            display = f":{FIRST_NUMBER + (first + step) % NUMBERS}"
-            if self._try_display(display, folder):
-                return display
-        raise DeskError("no display number is free for the headless screen")
-
-    def _try_display(self, display, folder):
+        """Starts the server, which looks for a free display number itself, and gives its display
+        once it takes clients."""
         width, height = self.size
+        answer, server_end = os.pipe()
         # -noreset: a server that starts over when its last window goes would lose the settings
         # that Wine made at the start of its prefix.
-        server = self._children.start(
+        self._children.start(
             "xvfb",
-            ["Xvfb", display, "-screen", "0", f"{width}x{height}x24", "-noreset",
-             "-nolisten", "tcp", "-fbdir", str(folder)])
-        wait_until(lambda: server.poll() is not None or self._answers(display),
-                   "the X server to start")
-        return server.poll() is None
-
-    def _answers(self, display):
-        return os.path.exists(f"/tmp/.X11-unix/X{display[1:]}") and self._frame_file.exists() \
-            and subprocess.run(["xdotool", "getdisplaygeometry"], capture_output=True,
-                               env={**os.environ, "DISPLAY": display}).returncode == 0
+            ["Xvfb", "-displayfd", str(server_end), "-screen", "0", f"{width}x{height}x24",
+             "-noreset", "-nolisten", "tcp", "-fbdir", str(folder)], pass_fds=(server_end,))
+        os.close(server_end)
+        with open(answer, encoding="ascii") as answer:
+            wait_until(lambda: select.select([answer], [], [], 0)[0], "the X server to start")
+            number = answer.readline().strip()
+        if not number:
+            raise DeskError("the X server of the headless screen could not start")
+        return f":{number}"
 
     def _map_pixels(self):
         """The server keeps its frame in a mapped XWD file: reading it needs no X client."""
