@@ -1,5 +1,6 @@
 """The release as its users meet it: unpacked into a folder of theirs, started, an intro run."""
 
+import shutil
 import subprocess
 import zipfile
 
@@ -7,7 +8,8 @@ import pytest
 
 from catalogue import INTRO_FILES
 from desk.gallery import show
-from desk.menu import INFO_ROW, Menu, highlighted_row
+from desk.menu import (DATA_NAME, INFO_NAME, INFO_ROW, PROGRAM_NAME, Menu,
+                       highlighted_row)
 from helpers import BUILD, ROOT
 
 ROW = 3
@@ -15,10 +17,13 @@ ROW = 3
 
 @pytest.fixture
 def unpacked(tmp_path):
-    subprocess.run([ROOT / "tools" / "package", BUILD], check=True, capture_output=True)
-    with zipfile.ZipFile(BUILD / "OstrikVelmora2009.zip") as archive:
-        archive.extractall(tmp_path / "Früher, größer  & schöner")
-    return tmp_path / "Früher, größer  & schöner" / "OstrikVelmora2009"
+    for name in (PROGRAM_NAME, DATA_NAME, INFO_NAME):
+        shutil.copy2(BUILD / name, tmp_path)
+    subprocess.run([ROOT / "tools" / "package", tmp_path], check=True, capture_output=True)
+    folder = tmp_path / "Früher, größer  & schöner"
+    with zipfile.ZipFile(tmp_path / "OstrikVelmora2009.zip") as archive:
+        archive.extractall(folder)
+    return folder / "OstrikVelmora2009"
 
 
 def test_it_runs_from_a_folder_with_blanks_and_letters_of_other_languages(desk, unpacked):
