@@ -1,5 +1,8 @@
 #include "tests/support/launcher_stage.h"
 
+#include "audio/module_player.h"
+#include "tests/support/wait_until.h"
+
 #include <cstring>
 #include <fstream>
 
@@ -14,6 +17,18 @@ DWORD giveTempPath(const std::filesystem::path& temp, DWORD size, LPSTR buffer) 
         return 0;
     std::strcpy(buffer, text.c_str());
     return static_cast<DWORD>(text.size());
+}
+
+// On the stage frames take no time: a song could be stopped before its thread has begun, which
+// would then meet the song's next start and render beside the next thread.
+HANDLE startRenderThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
+                         LPTHREAD_START_ROUTINE routine, LPVOID parameter, DWORD flags,
+                         LPDWORD id) {
+    HANDLE thread = CallRecorder::original<hook::CreateThread>()(attributes, stack, routine,
+                                                                 parameter, flags, id);
+    const auto* player = static_cast<const ModulePlayer*>(parameter);
+    waitUntil([player] { return player->renderRunning != 0; });
+    return thread;
 }
 
 } // namespace
@@ -36,6 +51,7 @@ LauncherStage::LauncherStage() : devices(calls) {
                                                LPPROCESS_INFORMATION made) {
         return startChild(commandLine, workingFolder, flags, *info, made);
     });
+    calls.replace<hook::CreateThread>(startRenderThread);
     calls.replace<hook::ShellExecuteExA>([](SHELLEXECUTEINFOA*) { return FALSE; });
     devices.input.onScriptEnd = [this] { devices.input.press(DIK_ESCAPE); };
 }
