@@ -8,9 +8,9 @@ from pathlib import Path
 from PIL import Image
 
 from .children import Children
-from .prefix import (BASE_SETTINGS, HEADLESS_SETTINGS, WINE, WINESERVER, clone_template,
-                     make_template, temp_folder_settings, virtual_desktop_settings,
-                     wine_environment)
+from .prefix import (BASE_SETTINGS, HEADLESS_SETTINGS, START, WINE, WINESERVER,
+                     clone_template, make_template, temp_folder_settings,
+                     virtual_desktop_settings, wine_environment)
 from .program import Program
 from .screen import Screen
 from .sound import SoundServer
@@ -80,8 +80,14 @@ class Desk:
         `missing` libraries."""
         environment = dict(self.environment)
         environment["WINEDLLOVERRIDES"] += "".join(f";{library}=" for library in missing)
-        return Program(self._children.start("program", [*WINE, str(path)], cwd=folder,
-                                            env=environment))
+        before = {pid for pid, _ in self._programs()}
+        starter = self._children.start("program", [*START, str(path)], cwd=folder,
+                                       env=environment)
+
+        def find():
+            return next((pid for pid, name in self._programs()
+                         if pid not in before and name == Path(path).name), None)
+        return Program(starter, find)
 
     def ask(self, path, *arguments, limit=30):
         """Runs a Windows console program to its end and gives what it printed."""
@@ -94,16 +100,7 @@ class Desk:
 
     def program_names(self):
         """The file names of all Windows programs that run on this desk, Wine's own included."""
-        mark = f"WINEPREFIX={self._prefix}\0".encode()
-        names = []
-        for process in Path("/proc").glob("[0-9]*"):
-            try:
-                if mark in (process / "environ").read_bytes():
-                    command = (process / "cmdline").read_bytes().split(b"\0")[0].decode()
-                    names.append(command.strip('"').replace("\\", "/").rsplit("/", 1)[-1])
-            except OSError:
-                continue  # gone meanwhile
-        return names
+        return [name for _, name in self._programs()]
 
     def press(self, program, *keys):
         """Presses keys long enough for a program that looks at them once a frame, and lets
@@ -123,6 +120,20 @@ class Desk:
         """Writes pixels taken earlier, or the screen as it is now."""
         Path(path).parent.mkdir(parents=True, exist_ok=True)
         Image.fromarray(self.screen.pixels() if pixels is None else pixels).save(path)
+
+    def _programs(self):
+        """Process id and file name of each program that runs on this desk."""
+        mark = f"WINEPREFIX={self._prefix}\0".encode()
+        found = []
+        for process in Path("/proc").glob("[0-9]*"):
+            try:
+                if mark in (process / "environ").read_bytes():
+                    command = (process / "cmdline").read_bytes().split(b"\0")[0].decode()
+                    name = command.strip().strip('"').replace("\\", "/").rsplit("/", 1)[-1]
+                    found.append((int(process.name), name))
+            except OSError:
+                continue  # gone meanwhile
+        return found
 
     def _set_up(self):
         self.screen = Screen(self._children, self._private, self._screen_size)

@@ -8,7 +8,7 @@ from pathlib import Path
 
 from .desk import FULL_SCREEN
 from .menu import PROGRAM_NAME
-from .prefix import (BASE_SETTINGS, WINE, clone_template, make_template,
+from .prefix import (BASE_SETTINGS, START, clone_template, make_template,
                      virtual_desktop_settings, wine_environment)
 from .waiting import DeskError
 
@@ -21,7 +21,7 @@ def main(build):
     if not prefix.exists():
         clone_template(template, prefix, BASE_SETTINGS, virtual_desktop_settings(FULL_SCREEN))
     print("Starting the menu: cursor keys and Enter, Escape to leave.", flush=True)
-    code = subprocess.run([*WINE, str(build / PROGRAM_NAME)], cwd=build,
+    code = subprocess.run([*START, str(build / PROGRAM_NAME)], cwd=build,
                           env=wine_environment(prefix)).returncode
     if code != 0:
         raise DeskError(f"the menu has ended with code {code}; what Wine says stands above")

@@ -13,6 +13,9 @@ WINE_LOADER = "/usr/lib/wine/wine64"
 # Linux puts a program's heap at random within a GiB behind it, once in some thousand starts where
 # Wine needs a fixed address; Wine then ends at once, with code 1 and without a word.
 WINE = ["setarch", "--addr-no-randomize", WINE_LOADER]
+# By way of a Windows program, which passes on the exit code that Windows programs see. Wine's sound
+# driver now and then crashes while a program ends that holds a device; its own process tells that.
+START = [*WINE, "start", "/wait", "/unix"]
 WINESERVER = "/usr/lib/wine/wineserver64"
 
 # A crash must end the program with its own exit code and without a box that nobody closes.

@@ -1,6 +1,7 @@
 """A Windows program on the desk, seen from outside."""
 
 import os
+import signal
 import time
 from pathlib import Path
 
@@ -10,28 +11,37 @@ TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
 
 
 class Program:
-    """One started program. Wine runs it in the very process that was started."""
+    """One started program. `starter` is the process that waits for it and has its exit code, `find`
+    gives the program's own process id, or None as long as it does not run."""
 
-    def __init__(self, process):
-        self.process = process
+    def __init__(self, starter, find):
+        self._starter = starter
+        self._find = find
+        self._pid = None
+
+    @property
+    def pid(self):
+        if self._pid is None:
+            self._pid = wait_until(self._find, "the program to run")
+        return self._pid
 
     def alive(self):
-        return self.process.poll() is None
+        return self._starter.poll() is None
 
     def wait_end(self, limit=30.0):
         """Waits for the end and gives the exit code: its low 8 bits, as the system passes it on."""
         wait_until(lambda: not self.alive(), "the program to end", limit)
-        return self.process.returncode
+        return self._starter.returncode
 
     def kill(self):
         """Ends the program from outside, without a chance to tidy up, and gives its exit code."""
         if self.alive():
-            self.process.kill()
-        return self.process.wait()
+            os.kill(self.pid, signal.SIGKILL)
+        return self.wait_end()
 
     def cpu_seconds(self):
         """The processor time that the program has used in all its threads."""
-        fields = Path(f"/proc/{self.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        fields = Path(f"/proc/{self.pid}/stat").read_text().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
 
     def cpu_share(self, seconds):
@@ -43,11 +53,12 @@ class Program:
     def pauses(self):
         """How often the main thread has given up the processor so far. It does so several times
         a frame, which makes this a clock that stands still when the program does."""
-        pid = self.process.pid
-        for line in Path(f"/proc/{pid}/task/{pid}/status").read_text().splitlines():
-            if line.startswith("voluntary_ctxt_switches"):
-                return int(line.split()[1])
-        return 0
+        try:
+            status = Path(f"/proc/{self.pid}/task/{self.pid}/status").read_text()
+        except OSError:
+            return 0  # it has ended
+        return next(int(line.split()[1]) for line in status.splitlines()
+                    if line.startswith("voluntary_ctxt_switches"))
 
     def let_run(self, seconds=0.08, pauses=40):
         """Lets time pass for the program: both by the clock and by what it got to do itself."""
