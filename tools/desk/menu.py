@@ -11,6 +11,7 @@ DATA_NAME = "OstrikVelmora2009.dat"
 INFO_NAME = "ostrik.nfo"
 STAGING_NAME = "Qev"
 STAGED_NAME = "BlahBlubber.exe"
+WINDOW_TITLE = "Ostrik Tessel Intros 2009 Keldara"
 WINDOW_CLASS = "MultimediaBase Class"
 
 INTRO_ROWS = range(28)
@@ -74,9 +75,12 @@ class Menu:
         return self.desk.wait_picture(seen, what)
 
     def wait_up(self, row=0):
-        """Waits for the catalogue and takes the keys. Gives the menu itself."""
+        """Waits for the catalogue and gives the keys to the program. The picture may be there
+        before the window, and the program hears of the keys when it looks after its messages: a
+        key before that would be lost. Gives the menu itself."""
         self.wait_row(row)
-        self.desk.screen.focus_top_window()
+        self.desk.screen.focus_top_window(f"^{WINDOW_TITLE}$")
+        self.program.let_run()
         return self
 
     def press(self, *keys):

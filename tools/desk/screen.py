@@ -39,9 +39,10 @@ class Screen:
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
         self._park_pointer()
 
-    def focus_top_window(self):
-        """Gives the keys to the window in front; without that every key vanishes."""
-        window = wait_until(self._top_window, "a window that can take the keys")
+    def focus_top_window(self, title="."):
+        """Gives the keys to the window in front, or to the one in front of those whose titles fit
+        the regular expression; without that every key vanishes."""
+        window = wait_until(lambda: self._top_window(title), "a window that can take the keys")
         self._xdotool("windowfocus", "--sync", window)
 
     def _start_server(self, folder):
@@ -74,8 +75,8 @@ class Screen:
         """The server draws the pointer into the picture: one pixel is left of it in the corner."""
         self._xdotool("mousemove", str(self.size[0]), str(self.size[1]))
 
-    def _top_window(self):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "."],
+    def _top_window(self, title):
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
                                capture_output=True, text=True, env=self._environment)
         return found.stdout.split()[-1] if found.stdout else None
 
