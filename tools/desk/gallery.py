@@ -12,6 +12,7 @@ from .waiting import wait_until
 COLUMNS = 7
 THUMBNAIL = (256, 192)
 CAPTION_HEIGHT = 16
+LOADING_SECONDS = {"014-WRaS.exe": 12, "023-Myrtle.exe": 6}  # before there is something to see
 SHOWN_PIXELS = 100
 MOVED_PIXELS = 100
 
@@ -40,7 +41,7 @@ def walk(menu, names, seconds=0.0):
     """Gives a Shot of every intro of the menu, row by row."""
     for row in INTRO_ROWS:
         menu.select(row)
-        yield show(menu, row, names[row], seconds)
+        yield show(menu, row, names[row], seconds + LOADING_SECONDS.get(names[row], 0))
 
 
 def thumbnail(shot):
