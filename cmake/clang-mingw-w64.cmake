@@ -14,5 +14,8 @@ file(GLOB gcc_folder /usr/lib/gcc/x86_64-w64-mingw32/*-posix)
 set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES
     ${gcc_folder}/include/c++ ${gcc_folder}/include/c++/x86_64-w64-mingw32)
 
+# As in this target's libstdc++, whose own compiler says so by itself.
+set(CMAKE_CXX_FLAGS_INIT -D__GXX_TYPEINFO_EQUALITY_INLINE=0)
+
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(CMAKE_USER_MAKE_RULES_OVERRIDE_CXX ${CMAKE_CURRENT_LIST_DIR}/link-with-gcc.cmake)

@@ -123,6 +123,23 @@ TEST_F(ProcessSequence, StartsWithNothingElseSet) {
     EXPECT_EQ(memcmp(&startup, &plain, sizeof plain), 0);
 }
 
+TEST_F(ProcessSequence, OfAStartInAFolderAndOfAProgramAlone) {
+    EXPECT_EQ(Proc_RunIn("x", "", "C:\\d\\"), 1);
+    EXPECT_EQ(Proc_RunProgram("x"), 1);
+    EXPECT_TRUE(calls.match(R"(
+        HeapAlloc(general, 0, 5) -> block1
+        CreateProcessA(null, "\"x\"", null, null, 0, 0x20, null, "C:\\d\\", *, *) -> 1
+        CloseHandle(thread1) -> 1
+        CloseHandle(process1) -> 1
+        HeapFree(general, 0, block1) -> 1
+        HeapAlloc(general, 0, 5) -> block1
+        CreateProcessA(null, "\"x\"", null, null, 0, 0x20, null, null, *, *) -> 1
+        CloseHandle(thread1) -> 1
+        CloseHandle(process1) -> 1
+        HeapFree(general, 0, block1) -> 1
+    )"));
+}
+
 // --- The command line ---
 
 TEST_F(ProcessSequence, BuildsTheCommandLine) {
