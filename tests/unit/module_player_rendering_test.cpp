@@ -260,7 +260,7 @@ size_t reservedStack() {
 
 // The 8192 bytes that CreateThread is given are what is committed at first. What the thread may use
 // is what the program file's header reserves for every thread, 2 MB. Measured over the whole song:
-// about 1,050 bytes.
+// 1,050 bytes with gcc, 984 with clang.
 TEST_F(RenderCost, IsASmallPartOfTheReservedStack) {
     static size_t depth;
     const LPTHREAD_START_ROUTINE measured = [](void* record) -> DWORD {
@@ -276,7 +276,7 @@ TEST_F(RenderCost, IsASmallPartOfTheReservedStack) {
     WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
     printf("the render thread's stack: %zu bytes of %zu\n", depth, reservedStack());
-    EXPECT_GT(depth, 1000u) << "the library has not been run on this stack";
+    EXPECT_GT(depth, 500u) << "the library has not been run on this stack";
     EXPECT_LT(depth, PaintedStack::size) << "deeper than was painted";
     EXPECT_LT(depth, reservedStack() / 16);
 }
