@@ -352,6 +352,7 @@ TEST_F(ScreenTest, CreateSurfacesGivesOneOrZero) {
     open();
     Screen_ReleaseDevice();
     Screen.ddraw->SetCooperativeLevel(Screen.window, DDSCL_EXCLUSIVE | DDSCL_FULLSCREEN);
+    Screen.ddraw->SetDisplayMode(640, 480, 16, 0, 0);
     EXPECT_EQ(Screen_CreateSurfaces(), 1);
     calls.fail("IDirectDraw7::CreateSurface", 1, DDERR_OUTOFVIDEOMEMORY);
     EXPECT_EQ(Screen_CreateSurfaces(), 0);
