@@ -78,6 +78,12 @@ bool readByte(FileHandleRec* file, char* ch) {
     return (file->buffer ? File_ReadBytes(file, ch, 1) : readDirectly(file, ch, 1)) == 1;
 }
 
+// Without a buffer: here alone a read that says it failed counts as none.
+bool lookAhead(const FileHandleRec* file, char* ch) {
+    DWORD count = 0;
+    return ReadFile(file->handle, ch, 1, &count, nullptr) && count == 1;
+}
+
 // Gives a byte back. At the very end of a file there was none to give back, and the next read takes
 // what stands in front of the buffer's content; it is made a 0 within the buffer, so that a file
 // that ends in a lone CR has one empty line more and nothing is read from outside.
@@ -220,7 +226,7 @@ int64_t File_IsEof(ObjectId id) {
     if (!file)
         return 0;
     char ch;
-    if (!readByte(file, &ch))
+    if (!(file->buffer ? readByte(file, &ch) : lookAhead(file, &ch)))
         return file->buffer ? 1 : -1; // the unbuffered form has a value of its own, true as well
     pushBack(file);
     return 0;

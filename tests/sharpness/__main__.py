@@ -84,12 +84,12 @@ def rings(change):
     """The programs in the order in which they are asked, the likeliest to notice first: those of
     the changed file one by one, those that run the whole launcher, the others. Most changes end
     early, and linking is what takes the time."""
-    rest = test_programs()
-    own = [name for name in rest if name.startswith(Path(change.path).stem)]
-    whole = [name for name in rest if name.startswith(WHOLE_LAUNCHER) and name not in own]
+    programs = test_programs()
+    own = [name for name in programs if name.startswith(Path(change.path).stem)]
+    whole = [name for name in programs if name.startswith(WHOLE_LAUNCHER) and name not in own]
     yield from ([name] for name in own)
     yield whole
-    yield [name for name in rest if name not in own and name not in whole]
+    yield [name for name in programs if name not in own and name not in whole]
 
 
 def judge(change):

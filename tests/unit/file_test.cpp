@@ -473,6 +473,14 @@ TEST_F(FileReadResult, IsNotLookedAtByTheLookAhead) {
     EXPECT_EQ(File_IsEof(0), 0);
 }
 
+TEST_F(FileReadResult, IsLookedAtByTheLookAheadWithoutABuffer) {
+    openNewWithoutBuffer(0, "");
+    FileRecorder calls;
+    calls.replace<hook::ReadFile>(readAndRefuse);
+    EXPECT_EQ(File_IsEof(0), -1);
+    EXPECT_EQ(calls.uses("SetFilePointer"), 0);
+}
+
 using FileIsEof = FileTest;
 
 TEST_F(FileIsEof, GivesZeroForAnUnknownFile) {

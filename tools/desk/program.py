@@ -3,6 +3,7 @@
 import os
 import signal
 import time
+from contextlib import suppress
 from pathlib import Path
 
 from .waiting import wait_until
@@ -36,7 +37,8 @@ class Program:
     def kill(self):
         """Ends the program from outside, without a chance to tidy up, and gives its exit code."""
         if self.alive():
-            os.kill(self.pid, signal.SIGKILL)
+            with suppress(ProcessLookupError):  # it may have ended just before its starter
+                os.kill(self.pid, signal.SIGKILL)
         return self.wait_end()
 
     def cpu_seconds(self):
