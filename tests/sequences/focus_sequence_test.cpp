@@ -181,16 +181,7 @@ TEST_F(FocusStates, ComeFromInsideACallOfThePlatformToo) {
 }
 
 TEST_F(FocusStates, SaveTheSurfacesOnceALoss) {
-    DDSURFACEDESC2 desc{};
-    desc.dwSize = sizeof desc;
-    desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
-    desc.dwWidth = 4;
-    desc.dwHeight = 4;
-    desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
-    auto* record = static_cast<ScreenSurface*>(Registry_Claim(Screen.surfaces, 0));
-    IDirectDrawSurface7* surface = nullptr;
-    Screen.ddraw->CreateSurface(&desc, &surface, nullptr);
-    *record = {surface, 0, nullptr, 4, 4};
+    const ScreenSurface* record = addSurface(0, "surface");
     deliver(WM_SYSKEYUP, VK_MENU);
     EXPECT_NE(record->saved, nullptr);
     const int made = calls.uses("IDirectDraw7::CreateSurface");

@@ -7,24 +7,9 @@ namespace {
 class SavedSurfaceSequence : public OpenScreenTest {
 protected:
     SavedSurfaceSequence() {
-        first = make(0, "first");
-        second = make(9, "second");
+        first = addSurface(0, "first");
+        second = addSurface(9, "second");
         calls.take();
-    }
-
-    ScreenSurface* make(ObjectId id, const char* name) {
-        DDSURFACEDESC2 desc{};
-        desc.dwSize = sizeof desc;
-        desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
-        desc.dwWidth = 5;
-        desc.dwHeight = 3;
-        desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
-        auto* record = static_cast<ScreenSurface*>(Registry_Claim(Screen.surfaces, id));
-        IDirectDrawSurface7* surface = nullptr;
-        EXPECT_EQ(Screen.ddraw->CreateSurface(&desc, &surface, nullptr), DD_OK);
-        *record = {surface, 0, nullptr, 5, 3};
-        calls.name(surface, name);
-        return record;
     }
 
     ScreenSurface* first;

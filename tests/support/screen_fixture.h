@@ -57,6 +57,21 @@ protected:
         calls.name(Screen.backBuffer, "back");
         calls.take();
     }
+    // A surface of 5 by 3 pixels beside those of the open screen.
+    ScreenSurface* addSurface(ObjectId id, const char* name) {
+        DDSURFACEDESC2 desc{};
+        desc.dwSize = sizeof desc;
+        desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
+        desc.dwWidth = 5;
+        desc.dwHeight = 3;
+        desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
+        auto* record = static_cast<ScreenSurface*>(Registry_Claim(Screen.surfaces, id));
+        IDirectDrawSurface7* surface = nullptr;
+        EXPECT_EQ(Screen.ddraw->CreateSurface(&desc, &surface, nullptr), DD_OK);
+        *record = {surface, 0, nullptr, 5, 3};
+        calls.name(surface, name);
+        return record;
+    }
 
     CallRecorder calls;
     StandInDevices devices{calls};

@@ -85,16 +85,8 @@ TEST_F(ScreenPresent, DropsTheFrameThatFindsTheSurfacesLost) {
 }
 
 TEST_F(ScreenPresent, RecoversTheSavedSurfaces) {
-    DDSURFACEDESC2 desc{};
-    desc.dwSize = sizeof desc;
-    desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
-    desc.dwWidth = 4;
-    desc.dwHeight = 4;
-    desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
-    auto* record = static_cast<ScreenSurface*>(Registry_Claim(Screen.surfaces, 0));
-    IDirectDrawSurface7* surface = nullptr;
-    Screen.ddraw->CreateSurface(&desc, &surface, nullptr);
-    *record = {surface, 0, nullptr, 4, 4};
+    const ScreenSurface* record = addSurface(0, "surface");
+    auto* surface = static_cast<IDirectDrawSurface7*>(record->surface);
     Screen_ClearSurface(surface);
     devices.desktop->send(WM_SYSKEYUP, VK_MENU); // saves before the switch takes the surfaces
     devices.switchAway(true);
@@ -104,7 +96,7 @@ TEST_F(ScreenPresent, RecoversTheSavedSurfaces) {
     EXPECT_EQ(record->saved, nullptr);
     HDC dc = nullptr;
     ASSERT_EQ(surface->GetDC(&dc), DD_OK);
-    EXPECT_EQ(GetPixel(dc, 3, 3), 0u);
+    EXPECT_EQ(GetPixel(dc, 4, 2), 0u);
     surface->ReleaseDC(dc);
 }
 
