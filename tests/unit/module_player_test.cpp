@@ -1,6 +1,7 @@
 #include "audio/module_player.h"
 
 #include "tests/support/device_fixture.h"
+#include "tests/support/real_sound.h"
 #include "tests/support/tiny_module.h"
 #include "tests/support/wait_until.h"
 
@@ -406,18 +407,14 @@ TEST_F(ModuleTest, TheEndStopsAndFreesAModuleThatPlays) {
 
 // --- The system's own DirectSound ---
 
-class RealModule : public RuntimeTest {
+class RealModule : public RealSoundTest {
 protected:
     RealModule() {
-        ProgramInstance = GetModuleHandleA(nullptr);
         Module_SubsystemInit();
         EXPECT_NE(Sound_SubsystemInit(), nullptr);
         player = Module_FromMemory(0, song.data(), song.size());
     }
-    ~RealModule() override {
-        Module_SubsystemEnd();
-        Sound_SubsystemEnd();
-    }
+    ~RealModule() override { Module_SubsystemEnd(); }
 
     // The loudest sample of a half.
     int level(DWORD offset) {

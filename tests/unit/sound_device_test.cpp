@@ -1,6 +1,7 @@
 #include "audio/sound_device.h"
 
 #include "tests/support/device_fixture.h"
+#include "tests/support/real_sound.h"
 #include "tests/support/wait_until.h"
 
 #include <cmath>
@@ -232,16 +233,14 @@ TEST_F(StreamBuffer, IsNullOnAnyResultButZero) {
 
 // --- The system's own DirectSound ---
 
-class RealSound : public RuntimeTest {
-protected:
-    RealSound() { ProgramInstance = GetModuleHandleA(nullptr); }
-};
+using RealSound = RealSoundTest;
 
 TEST_F(RealSound, IsBoundAtRunTimeAndUnloadedAtTheEnd) {
     ASSERT_EQ(GetModuleHandleA("DSOUND.DLL"), nullptr) << "this program must not import it";
     EXPECT_NE(Sound_SubsystemInit(), nullptr);
     EXPECT_EQ(Sound.dsoundLibrary, GetModuleHandleA("DSOUND.DLL"));
     EXPECT_EQ(Sound.boundWindow, Screen.hiddenWindow);
+    releaseDevice();
     CallRecorder calls;
     Sound_SubsystemEnd();
     EXPECT_EQ(calls.uses("FreeLibrary"), 1);
