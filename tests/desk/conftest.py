@@ -56,6 +56,15 @@ def module_stall(tmp_path_factory, helpers):
     return Stall(tmp_path_factory.mktemp("stall"), helpers)
 
 
+@pytest.fixture(scope="module")
+def menu(desk, module_stall):
+    """One menu for all tests of a module, in which every probe has been unpacked."""
+    menu = module_stall.open_menu(desk).wait_up()
+    menu.wait_unpacked()
+    yield menu
+    menu.program.kill()
+
+
 @pytest.fixture
 def stall(tmp_path, helpers):
     """The same for a single test."""

@@ -13,14 +13,6 @@ def desk(make_desk):
     return make_desk(screen_size=DESKTOP, desktop_size=DESKTOP)
 
 
-@pytest.fixture(scope="module")
-def menu(desk, module_stall):
-    menu = module_stall.open_menu(desk).wait_up()
-    menu.wait_unpacked()
-    yield menu
-    menu.program.kill()
-
-
 def test_an_intro_finds_the_desktops_own_mode(menu, desk):
     for row in (0, 1, 2):
         menu.select(row)

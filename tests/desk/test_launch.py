@@ -7,14 +7,6 @@ from desk.menu import WINDOW_CLASS, highlighted_row
 from helpers import Windows, launch, launch_and_leave, reports, wait_report
 
 
-@pytest.fixture(scope="module")
-def menu(desk, module_stall):
-    menu = module_stall.open_menu(desk).wait_up()
-    menu.wait_unpacked()
-    yield menu
-    menu.program.kill()
-
-
 @pytest.fixture
 def orders(desk):
     """The folder in which a file by its name orders the probe to `crash` or to `leave`."""

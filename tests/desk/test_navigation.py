@@ -11,14 +11,6 @@ from yardstick import as_565, catalogue_page
 OTHER_KEYS = ["Tab", "space", "a", "F1", "Home", "End", "Page_Down", "Delete", "Shift_L", "1"]
 
 
-@pytest.fixture(scope="module")
-def menu(desk, module_stall):
-    menu = module_stall.open_menu(desk).wait_up()
-    menu.wait_unpacked()
-    yield menu
-    menu.program.kill()
-
-
 @pytest.fixture(autouse=True)
 def start_on_row_0(menu):
     menu.select(0)

@@ -62,15 +62,19 @@ TEST(FrameCost, CataloguePageAllocatesNothingAndBuildsNoText) {
 
 TEST(FrameCost, RenderThreadAllocatesNothingBesideTheFrames) {
     onStage([](LauncherStage& stage) {
+        constexpr DWORD middle = 102400;
         Watched watched;
         stage.devices.input.rest(framesWatched + 4);
         watchFrames(stage, 2, &watched);
-        // The thread looks at the play cursor every 10 ms: the frames wait until it has.
-        const int looks = stage.calls.uses("IDirectSoundBuffer::GetCurrentPosition");
+        // The cursor leaves the first half while the frames are watched: they wait until the thread
+        // has rendered it.
+        int halves = 0;
+        stage.calls.before("IDirectDrawSurface7::Flip", 3, [&] {
+            halves = stage.devices.sound.unlocks();
+            stage.devices.sound.moveCursor(middle + 1);
+        });
         stage.calls.before("IDirectDrawSurface7::Flip", framesWatched, [&] {
-            EXPECT_TRUE(waitUntil([&] {
-                return stage.calls.uses("IDirectSoundBuffer::GetCurrentPosition") > looks + 2;
-            }));
+            EXPECT_TRUE(waitUntil([&] { return stage.devices.sound.unlocks() > halves; }));
         });
         stage.run();
         expectNoHeapCalls(watched.threadLines);

@@ -24,8 +24,20 @@ std::string numberedLines(int count) {
     return text;
 }
 
-// A pass begins with black as its text colour, and every page with the banner.
-const std::string beginning = "SetTextColor(*, 0)\nBitBlt(*)\n";
+// A pass begins with the standing pair of brush and pen, black as its text colour and a black brush
+// of its own, and every page with the banner.
+const std::string beginning = R"(
+    SelectObject(dc1, brush1) -> old1
+    SelectObject(dc1, pen1) -> old2
+    SetTextColor(dc1, 0)
+    SelectObject(dc1, brush2) -> brush1
+    SelectObject(dc2, bitmap1)
+    BitBlt(dc1, 192, 0, 640, 135, dc2, 0, 0, 0xCC0020) -> 1
+)";
+const std::string end = "SelectObject(dc1, old1) -> brush2\nSelectObject(dc1, old2) -> pen1\n";
+
+// The calls of Draw_SetFont.
+std::string font(int number) { return "SelectObject(dc1, font" + std::to_string(number) + ")\n"; }
 
 // The calls of Draw_Text for a text that is not empty.
 std::string drawn(int x, int y, const std::string& text, COLORREF foreground, COLORREF background) {
@@ -44,7 +56,8 @@ testing::AssertionResult linesMatch(const std::string& recorded, const std::stri
 }
 
 void watchTexts(LauncherStage& stage, int flip, std::string* lines) {
-    stage.calls.only({"SetTextColor", "SetBkColor", "MoveToEx", "TextOutA", "BitBlt"});
+    stage.calls.only(
+        {"SelectObject", "SetTextColor", "SetBkColor", "MoveToEx", "TextOutA", "BitBlt"});
     stage.calls.before("IDirectDrawSurface7::Flip", flip - 1, [&stage] { stage.calls.take(); });
     stage.calls.before("IDirectDrawSurface7::Flip", flip, [&stage, lines] {
         for (const std::string& line : stage.calls.take())
@@ -104,10 +117,11 @@ TEST(Frame, OfTheCataloguePageDrawsEveryTextAtItsPlaceInItsColours) {
         std::string recorded;
         watchTexts(stage, 4, &recorded);
         stage.run();
-        std::string expected = beginning;
+        std::string expected = beginning + font(1);
         for (int row = 0; row < 30; ++row)
             expected += drawn(row < 15 ? 100 : 600, 145 + row % 15 * 30,
                               Launcher.IntroCatalogue[row].Title, white, row == 1 ? red : 0);
+        expected += font(2);
         expected += drawn(100, 620, "Welcome to my Tessel Intros Keldara 2009!", cyan, 0);
         expected += drawn(100, 640,
                           "It contains almost all of the intros that I created With the Tessel "
@@ -118,7 +132,57 @@ TEST(Frame, OfTheCataloguePageDrawsEveryTextAtItsPlaceInItsColours) {
                           "execute it. Press ESC To quit the intro or this program.",
                           cyan, 0);
         expected += drawn(100, 680, "Cheers! Ilmar aka Ostrik.", cyan, 0);
-        EXPECT_TRUE(linesMatch(recorded, expected));
+        EXPECT_TRUE(linesMatch(recorded, expected + end));
+    });
+}
+
+TEST(Frame, OfTheInfoPageAsksWindowsInThisOrder) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("ostrik.nfo", "alone");
+        openInfoPage(stage);
+        stage.devices.input.rest(4);
+        stage.calls.except({"HeapAlloc", "HeapFree", "HeapReAlloc"});
+        stage.calls.before("IDirectDrawSurface7::Flip", 10, [&] { stage.calls.take(); });
+        stage.calls.before("IDirectDrawSurface7::Flip", 12, [&] {
+            EXPECT_TRUE(stage.calls.match(R"(
+                Sleep(1)
+                IDirectDrawSurface7::Blt(surface2, null, null, null, 0x400, {128, fill 0}) -> 0
+                IDirectInputDevice7A::GetDeviceState(device1, 256, *) -> 0
+                IDirectDrawSurface7::GetDC(surface2, *) -> 0
+                SetTextAlign(dc1, 1)
+                SelectObject(dc1, brush1)
+                SelectObject(dc1, pen1)
+                CreateSolidBrush(0) -> brush2
+                SetTextColor(dc1, 0)
+                SetROP2(dc1, 13)
+                SelectObject(dc1, brush2)
+                SetBkMode(dc1, 2)
+                GetObjectType(bitmap1) -> 7
+                CreateCompatibleDC(dc1) -> dc2
+                GetObjectA(bitmap1, 32, *)
+                SelectObject(dc2, bitmap1)
+                BitBlt(dc1, 192, 0, 640, 135, dc2, 0, 0, 0xCC0020) -> 1
+                DeleteDC(dc2)
+                SelectObject(dc1, font3)
+                SetTextColor(dc1, 0xFFFFFF)
+                SetBkColor(dc1, 0)
+                MoveToEx(dc1, 100, 145, null)
+                TextOutA(dc1, 0, 0, "alone", 5)
+                SetBkColor(dc1, *)
+                SetTextColor(dc1, 0)
+                MoveToEx(dc1, 0, 0, *)
+                SelectObject(dc1, old1)
+                SelectObject(dc1, old2)
+                DeleteObject(brush2) -> 1
+                IDirectDrawSurface7::ReleaseDC(surface2, dc1) -> 0
+                PeekMessageA(*, null, 0, 0, 1) -> 0
+                IDirectDrawSurface7::Flip(surface1, null, 1) -> 0
+                Sleep(1)
+                IDirectDrawSurface7::Blt(*)
+                ...
+            )"));
+        });
+        stage.run();
     });
 }
 
@@ -130,10 +194,10 @@ TEST(Frame, OfTheInfoPageDrawsSixtyLinesTenPixelsApart) {
         std::string recorded;
         watchTexts(stage, 10, &recorded);
         stage.run();
-        std::string expected = beginning;
+        std::string expected = beginning + font(3);
         for (int line = 0; line < 60; ++line)
             expected += drawn(100, 145 + line * 10, "line " + std::to_string(line), white, 0);
-        EXPECT_TRUE(linesMatch(recorded, expected));
+        EXPECT_TRUE(linesMatch(recorded, expected + end));
     });
 }
 
@@ -147,7 +211,8 @@ TEST(Frame, OfTheSecondInfoPageDrawsTheRestOnly) {
         std::string recorded;
         watchTexts(stage, 14, &recorded);
         stage.run();
-        EXPECT_TRUE(linesMatch(recorded, beginning + drawn(100, 145, "line 60", white, 0)));
+        EXPECT_TRUE(
+            linesMatch(recorded, beginning + font(3) + drawn(100, 145, "line 60", white, 0) + end));
     });
 }
 
@@ -174,8 +239,8 @@ TEST(Frame, WithoutAnInfoFileShowsTheLineThatSaysSo) {
         std::string recorded;
         watchTexts(stage, 14, &recorded);
         stage.run();
-        EXPECT_TRUE(
-            linesMatch(recorded, beginning + drawn(100, 145, "No NFO File Found", white, 0)));
+        EXPECT_TRUE(linesMatch(recorded, beginning + font(3) +
+                                             drawn(100, 145, "No NFO File Found", white, 0) + end));
     });
 }
 

@@ -7,42 +7,6 @@
 
 namespace {
 
-// What tells the steps of the start from each other.
-void watchSteps(CallRecorder& calls) {
-    calls.only({"GetModuleHandleA",
-                "HeapCreate",
-                "HeapDestroy",
-                "CreateSolidBrush",
-                "CreatePen",
-                "InitializeCriticalSection",
-                "InitCommonControls",
-                "CoInitialize",
-                "RegisterClassExA",
-                "CreateWindowExA",
-                "LoadLibraryA",
-                "FreeLibrary",
-                "DirectInputCreateEx",
-                "DirectDrawCreateEx",
-                "DirectSoundCreate",
-                "IDirectInput7A",
-                "IDirectSound",
-                "CreateFileA",
-                "GetCurrentDirectoryA",
-                "GetTempPathA",
-                "FindFirstFileA",
-                "CreateDirectoryA",
-                "CopyFileA",
-                "CreateProcessA",
-                "CreateThread",
-                "IDirectSoundBuffer::Play",
-                "CreateDIBSection",
-                "CreateFontA",
-                "SetWindowTextA",
-                "MessageBoxA",
-                "ExitProcess",
-                "ClipCursor"});
-}
-
 // What follows a device that cannot be had, up to the end.
 void expectGivesUp(LauncherStage& stage) {
     const ProgramEnd end = stage.run();
@@ -63,52 +27,164 @@ void expectGivesUp(LauncherStage& stage) {
 
 TEST(ProgramStart, TakesEveryStepInOrder) {
     onStage([](LauncherStage& stage) {
-        watchSteps(stage.calls);
+        stage.writeFile("ostrik.nfo", "a line");
+        stage.calls.only({"KERNEL32", "InitializeCriticalSection", "USER32", "GDI32", "COMCTL32",
+                          "OLE32", "WINMM", "DirectInputCreateEx", "DirectDrawCreateEx",
+                          "DirectSoundCreate", "IDirectInput7A", "IDirectInputDevice7A",
+                          "IDirectDraw7", "IDirectDrawSurface7", "IDirectSound",
+                          "IDirectSoundBuffer"});
+        stage.calls.before("IDirectDrawSurface7::Blt", 1, [&] {
+            EXPECT_TRUE(stage.calls.match(R"(
+                GetModuleHandleA(null) -> module1
+                HeapCreate(0, 4096, 0) -> heap1
+
+                // Text and heap.
+                HeapCreate(1, 4096, 0) -> heap2
+                HeapAlloc(heap2, 1, 16) -> block1
+                HeapCreate(0, 1024, 0) -> heap3
+
+                // Drawing, then the registries of files, fonts, images and modules.
+                CreateSolidBrush(0) -> brush1
+                CreatePen(0, 0, 0) -> pen1
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 512)
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 128)
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 256)
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 512)
+
+                // Child processes and the desktop.
+                InitializeCriticalSection(*)
+                InitCommonControls()
+                CoInitialize(null)
+
+                // The screen, with its window and its keyboard; the keyboard needs no more calls.
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 2048)
+                LoadIconA(module1, #1)
+                GetStockObject(4)
+                RegisterClassExA(*"MultimediaBase Class"*)
+                CreateWindowExA(0, "MultimediaBase Class", "", *, 0, 0, 1, 1, *) -> window1
+                LoadLibraryA("DINPUT.DLL") -> library1
+                GetProcAddress(library1, "DirectInputCreateEx")
+                DirectInputCreateEx(module1, 0x700, IID_IDirectInput7A, &input1, null) -> 0
+                HeapAlloc(heap1, 0, 6144)
+                IDirectInput7A::CreateDeviceEx(input1, GUID_SysKeyboard, *, &device1, null) -> 0
+                IDirectInputDevice7A::SetDataFormat(device1, *bytes 256*) -> 0
+                LoadLibraryA("DDRAW.DLL") -> library2
+                GetProcAddress(library2, "DirectDrawCreateEx")
+                DirectDrawCreateEx(null, &ddraw1, IID_IDirectDraw7, null) -> 0
+
+                // The mouse.
+                IDirectInput7A::CreateDeviceEx(input1, GUID_SysMouse, *, &device2, null) -> 0
+                IDirectInputDevice7A::SetDataFormat(device2, *bytes 16*) -> 0
+
+                // Sound.
+                HeapAlloc(heap1, 8, 56)
+                HeapAlloc(heap1, 8, 512)
+                LoadLibraryA("DSOUND.DLL") -> library3
+                GetProcAddress(library3, "DirectSoundCreate")
+                DirectSoundCreate(null, &sound1, null) -> 0
+                IDirectSound::SetCooperativeLevel(sound1, window1, 2) -> 0
+                IDirectSound::CreateSoundBuffer(sound1, {40, flags 1*}, &buffer1, null) -> 0
+
+                // The list of info lines, the catalogue's array, the info file, the catalogue.
+                HeapAlloc(heap1, 0, 80)
+                HeapAlloc(heap1, 8, 40)
+                CreateFileA("ostrik.nfo", 0x80000000, 1, null, 3, 128, null) -> file1
+                ...
+                CloseHandle(file1) -> 1
+                HeapAlloc(heap2, 1, 27)
+                ...
+
+                // The payload.
+                GetCurrentDirectoryA(260, *)
+                HeapAlloc(heap2, *)
+                GetTempPathA(260, *)
+                LoadLibraryA("Kernel32.DLL") -> library4
+                GetProcAddress(library4, "GetLongPathNameA")
+                GetLongPathNameA("*\\temp\\", *, 260)
+                FreeLibrary(library4) -> 1
+                HeapAlloc(heap2, *)
+                HeapAlloc(heap2, *)
+                HeapAlloc(heap2, *)
+                FindFirstFileA("*\\temp\\Qev\\*.*", *) -> -1
+                FindFirstFileA("*\\OstrikVelmora2009.dat", *) -> search1
+                FindClose(search1) -> 1
+                CreateDirectoryA("*\\Qev", null) -> 1
+                CopyFileA("*\\OstrikVelmora2009.dat", "*\\Qev\\BlahBlubber.exe", 0) -> 1
+                HeapAlloc(heap1, 0, *) -> *
+                CreateProcessA(null, "\"*\\Qev\\BlahBlubber.exe\"", null, null, 0, 40, null, *) -> 1
+                CloseHandle(thread1) -> 1
+                CloseHandle(process1) -> 1
+                HeapFree(heap1, 0, *)
+
+                // The song; the player's library allocates for itself.
+                ...
+                IDirectSound::CreateSoundBuffer(sound1, {40, flags 0x180E2*}, &buffer2, null) -> 0
+                IDirectSoundBuffer::Lock(buffer2, 0, 0x19000, *, *, null, null, 0) -> 0
+                IDirectSoundBuffer::Unlock(buffer2, ptr, 0x19000, null, 0) -> 0
+                CreateThread(null, 8192, *, *, 0, null) -> thread1
+                CloseHandle(thread1) -> 1
+                IDirectSoundBuffer::SetCurrentPosition(buffer2, 0) -> 0
+                IDirectSoundBuffer::Play(buffer2, 0, 0, 1) -> 0
+
+                // The banner.
+                CreateDCA("DISPLAY", null, null, null) -> dc1
+                CreateDIBSection(dc1, {40, 640, 135, 1, 32, 0}, 0, *, null, 0) -> bitmap1
+                DeleteDC(dc1) -> 1
+                CreateCompatibleDC(null) -> dc1
+                SetDIBits(dc1, bitmap1, 0, 135, *, {40, 640, 135, 1, 24, 0, and more}, 0) -> 135
+                DeleteDC(dc1) -> 1
+                GetObjectA(bitmap1, 32, *)
+
+                // The fonts.
+                CreateDCA("DISPLAY", null, null, null) -> dc1
+                GetDeviceCaps(dc1, 90)
+                MulDiv(14, *, 72)
+                CreateFontA(-19, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Arial") -> font1
+                DeleteDC(dc1) -> 1
+                CreateDCA("DISPLAY", null, null, null) -> dc1
+                GetDeviceCaps(dc1, 90)
+                MulDiv(10, *, 72)
+                CreateFontA(-13, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Arial") -> font2
+                DeleteDC(dc1) -> 1
+                CreateDCA("DISPLAY", null, null, null) -> dc1
+                GetDeviceCaps(dc1, 90)
+                MulDiv(10, *, 72)
+                CreateFontA(-13, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Terminal") -> font3
+                DeleteDC(dc1) -> 1
+
+                // The screen opens.
+                SetWindowTextA(window1, "Ostrik Tessel Intros 2009 Keldara") -> 1
+                MoveWindow(window1, 0, 0, 1024, 768, 1) -> 1
+                ShowCursor(0)
+                IDirectDraw7::SetCooperativeLevel(ddraw1, window1, 0x11) -> 0
+                IDirectDraw7::SetDisplayMode(ddraw1, 1024, 768, 16, 0, 0) -> 0
+                IDirectDraw7::CreateSurface(ddraw1, {*, backs 1, *}, &surface1, null) -> 0
+                IDirectDrawSurface7::GetAttachedSurface(surface1, *, &surface2) -> 0
+                ShowWindow(window1, 3)
+                IDirectDrawSurface7::GetDC(surface2, &dc1) -> 0
+                GetStockObject(4)
+                FillRect(dc1, {0, 0, 1024, 768}, *)
+                IDirectDrawSurface7::ReleaseDC(surface2, dc1) -> 0
+                IDirectDrawSurface7::GetDC(surface1, &dc1) -> 0
+                GetStockObject(4)
+                FillRect(dc1, {0, 0, 1024, 768}, *)
+                IDirectDrawSurface7::ReleaseDC(surface1, dc1) -> 0
+                IDirectDraw7::GetMonitorFrequency(ddraw1, *)
+                IDirectDrawSurface7::Lock(surface1, null, *, 1, null) -> 0
+                IDirectDrawSurface7::Unlock(surface1, null) -> 0
+                timeBeginPeriod(1)
+
+                // The first frame.
+                IDirectDrawSurface7::Blt(*)
+            )"));
+        });
         stage.run();
         EXPECT_TRUE(stage.devices.wereUsed());
-        EXPECT_TRUE(stage.calls.match(R"(
-            GetModuleHandleA(null)
-            HeapCreate(0, 4096, 0) -> heap1
-            HeapCreate(1, 4096, 0) -> heap2
-            HeapCreate(0, 1024, 0) -> heap3
-            CreateSolidBrush(0)
-            CreatePen(0, 0, 0)
-            InitializeCriticalSection(*)
-            InitCommonControls()
-            CoInitialize(null)
-            RegisterClassExA(*)
-            CreateWindowExA(*)
-            LoadLibraryA("DINPUT.DLL")
-            DirectInputCreateEx(*)
-            IDirectInput7A::CreateDeviceEx(*GUID_SysKeyboard*)
-            LoadLibraryA("DDRAW.DLL")
-            DirectDrawCreateEx(*)
-            IDirectInput7A::CreateDeviceEx(*GUID_SysMouse*)
-            LoadLibraryA("DSOUND.DLL")
-            DirectSoundCreate(null, *, null) -> 0
-            IDirectSound::SetCooperativeLevel(*, 2) -> 0
-            IDirectSound::CreateSoundBuffer(*) -> 0
-            CreateFileA("ostrik.nfo", *) -> *
-            GetCurrentDirectoryA(260, *)
-            GetTempPathA(260, *)
-            LoadLibraryA("Kernel32.DLL")
-            FreeLibrary(*)
-            FindFirstFileA("*\\Qev\\*.*", *)
-            FindFirstFileA("*\\OstrikVelmora2009.dat", *)
-            CreateDirectoryA("*\\Qev", null) -> 1
-            CopyFileA("*\\OstrikVelmora2009.dat", "*\\Qev\\BlahBlubber.exe", 0) -> 1
-            CreateProcessA(*) -> 1
-            IDirectSound::CreateSoundBuffer(*) -> 0
-            CreateThread(*)
-            IDirectSoundBuffer::Play(*, 0, 0, 1) -> 0
-            CreateDIBSection(*)
-            CreateFontA(-19, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Arial")
-            CreateFontA(-13, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Arial")
-            CreateFontA(-13, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, "Terminal")
-            SetWindowTextA(*, "Ostrik Tessel Intros 2009 Keldara")
-            ...
-            ExitProcess(0)
-        )"));
     });
 }
 
@@ -179,7 +255,9 @@ TEST(ProgramStart, WithoutScreenAsksForNoMouseOrSound) {
     onStage([](LauncherStage& stage) {
         stage.calls.fail("DirectDrawCreateEx", 1, E_FAIL);
         expectGivesUp(stage);
-        EXPECT_EQ(stage.calls.uses("IDirectInput7A::CreateDeviceEx"), 1) << "the keyboard alone";
+        EXPECT_EQ(stage.calls.uses("IDirectInput7A::CreateDeviceEx"), 1) << "the screen's keyboard";
+        EXPECT_EQ(stage.devices.loads("DINPUT.DLL"), 0)
+            << "a keyboard's own set-up would leave one";
         EXPECT_FALSE(stage.devices.sound.wasMade());
     });
 }

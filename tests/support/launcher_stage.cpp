@@ -20,14 +20,17 @@ DWORD giveTempPath(const std::filesystem::path& temp, DWORD size, LPSTR buffer) 
 }
 
 // On the stage frames take no time: a song could be stopped before its thread has begun, which
-// would then meet the song's next start and render beside the next thread.
+// would then meet the song's next start and render beside the next thread. Other threads are not
+// the program's: GoogleTest makes one for the first assertion that fails on a thread.
 HANDLE startRenderThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
                          LPTHREAD_START_ROUTINE routine, LPVOID parameter, DWORD flags,
                          LPDWORD id) {
     HANDLE thread = CallRecorder::original<hook::CreateThread>()(attributes, stack, routine,
                                                                  parameter, flags, id);
-    const auto* player = static_cast<const ModulePlayer*>(parameter);
-    waitUntil([player] { return player->renderRunning != 0; });
+    if (routine == Module_RenderThread) {
+        const auto* player = static_cast<const ModulePlayer*>(parameter);
+        waitUntil([player] { return player->renderRunning != 0; });
+    }
     return thread;
 }
 
@@ -89,13 +92,13 @@ BOOL LauncherStage::startChild(const char* commandLine, const char* workingFolde
 }
 
 ChildReport reportFromStage(const std::function<void(LauncherStage&)>& scenario,
-                            std::chrono::milliseconds limit) {
+                            std::chrono::milliseconds busyLimit) {
     return runInChild(
         [&] {
             LauncherStage stage;
             scenario(stage);
         },
-        limit);
+        busyLimit);
 }
 
 void onStage(const std::function<void(LauncherStage&)>& scenario) {

@@ -18,6 +18,7 @@
 #include "tests/support/run_to_exit.h"
 #include "tests/support/stand_in_devices.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -74,7 +75,7 @@ private:
 
 // Runs the scenario on a stage in a process of its own: for one that may hang or die in there.
 ChildReport reportFromStage(const std::function<void(LauncherStage&)>& scenario,
-                            std::chrono::milliseconds limit = std::chrono::seconds(30));
+                            std::chrono::milliseconds busyLimit = std::chrono::seconds(30));
 
 // The same for one that must end well.
 void onStage(const std::function<void(LauncherStage&)>& scenario);

@@ -1,6 +1,8 @@
 """The finished program file: what it asks of the system, what it carries, and how large it is."""
 
 import os
+import re
+import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -64,3 +66,19 @@ def test_it_is_small_without_its_assets(program, assets):
 def test_its_bytes_tell_neither_when_nor_where_it_was_built(program):
     assert program.time_stamp == 0
     assert os.fsencode(ROOT) not in program.data
+
+
+def relocations(compiled):
+    return subprocess.run(["x86_64-w64-mingw32-objdump", "-r", compiled], check=True,
+                          capture_output=True, text=True).stdout
+
+
+def test_nothing_but_arrays_and_texts_takes_memory_from_the_c_library():
+    """Beside the heaps' own functions, which the tests of a frame's cost watch as it runs: no frame
+    makes an array or calls Text_Replace, which duplicates its texts."""
+    takes_memory = re.compile(r"\b(__imp_)?_?(malloc|calloc|realloc|strdup|wcsdup|_Zn[wa]\w+)\b")
+    compiled = [path for target in ("kit", "launcher_logic")
+                for path in (BUILD / "release" / "CMakeFiles" / f"{target}.dir").rglob("*.cpp.obj")]
+    assert len(compiled) > 25
+    assert sorted(path.name for path in compiled if takes_memory.search(relocations(path))) == [
+        "array.cpp.obj", "text.cpp.obj"]

@@ -131,6 +131,20 @@ TEST_F(FsTempDir, IsEmptyWhenTheLongFormFails) {
     EXPECT_EQ(calls.uses("FreeLibrary"), 1);
 }
 
+TEST_F(FsTempDir, AsksForTheLongFormOfWhatStandsThereWhenTheTempPathFails) {
+    Text_Append("C:\\windows");
+    CallRecorder calls;
+    calls.fail("GetTempPathA", 1, 0);
+    Fs_TempDir(0);
+    EXPECT_EQ(textAt(0), "C:\\windows");
+    EXPECT_EQ(TextPosition, 10);
+    calls.fail("GetTempPathA", 1, 0);
+    strcpy(TextBase, "nowhere at all");
+    Fs_TempDir(0);
+    EXPECT_EQ(textAt(0), "");
+    EXPECT_EQ(TextPosition, 0);
+}
+
 TEST_F(FsTempDir, StaysAsItIsWithoutTheFunction) {
     CallRecorder calls;
     giveShortTempPath(calls);
