@@ -40,7 +40,8 @@ def test_a_window_is_seen_named_and_closed_by_a_key(desk, helpers, probe):
     desk.screen.focus_top_window()
     desk.screen.tap("Escape")
     assert program.wait_end() == 7
-    assert "probe.exe" not in desk.program_names()
+    # What was waited for is its starter, which hears of the end a moment before the process is gone.
+    wait_until(lambda: "probe.exe" not in desk.program_names(), "the probe to be gone")
 
 
 def test_a_crash_is_seen_in_the_exit_code_and_shows_no_box(desk, helpers, probe):
@@ -52,7 +53,8 @@ def test_a_crash_is_seen_in_the_exit_code_and_shows_no_box(desk, helpers, probe)
 def test_a_sleeping_program_takes_no_processor_time(desk, probe):
     program = probe()
     desk.wait_picture(shows_probe, "the probe's window")
-    assert program.cpu_share(0.5) < 0.1
+    program.let_run()
+    assert program.cpu_share(2.0) < 0.1
 
 
 def test_what_is_played_is_what_is_recorded(desk):
@@ -96,6 +98,7 @@ def processes_naming(folder):
 def test_a_desk_leaves_nothing_behind_when_its_user_fails(tmp_path, helpers):
     with pytest.raises(ZeroDivisionError):
         with Desk(tmp_path, BUILD / "desk" / "template") as desk:
+            (desk.drive_c / "probe").mkdir()  # without it the probe would end by itself
             desk.start(helpers.probe, tmp_path)
             wait_until(lambda: "probe.exe" in desk.program_names(), "the probe to run")
             1 / 0

@@ -1,6 +1,8 @@
 """What the user meets when something that the menu needs is missing."""
 
 import signal
+import time
+
 import pytest
 
 from catalogue import INTRO_FILES
@@ -10,7 +12,7 @@ from helpers import Windows, launch_and_leave, reports, wait_box
 
 
 def press_ok(desk):
-    desk.screen.focus_top_window()
+    desk.screen.focus_top_window("^Error$")
     desk.screen.tap("Return")
 
 
@@ -70,6 +72,12 @@ def hung_menu(desk, open_menu, helpers):
     menu.press("Return")
     press_ok_of_the_shell(desk, helpers)
     wait_until(lambda: not Windows(desk, helpers).classes(), "the shell's box to go")
+
+    def hangs():
+        pauses, used = menu.program.pauses(), menu.program.cpu_seconds()
+        time.sleep(0.2)  # an interval to compare, not a wait for something
+        return menu.program.pauses() == pauses and menu.program.cpu_seconds() > used
+    wait_until(hangs, "the menu to be done with the shell and to hang")
     return menu
 
 

@@ -31,7 +31,7 @@ class InfoPage:
     def wait_shows(self, lines):
         expected = self._expected(tuple(lines))
         self._desk.wait_picture(lambda pixels: (as_565(pixels) == expected).all(),
-                                f"the info page with {len(lines)} lines from {lines[:1]}", limit=8)
+                                f"the info page with {len(lines)} lines from {lines[:1]}")
 
     def press_in_vain(self, key, lines):
         self.menu.press(key)

@@ -12,6 +12,7 @@
 class ScratchFolder {
 public:
     ScratchFolder() : before(std::filesystem::current_path()), folder(newFolder()) {
+        std::filesystem::remove_all(folder); // left by a process of the same id that died
         std::filesystem::create_directories(folder);
         std::filesystem::current_path(folder);
     }

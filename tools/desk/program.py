@@ -36,6 +36,7 @@ class Program:
 
     def kill(self):
         """Ends the program from outside, without a chance to tidy up, and gives its exit code."""
+        wait_until(lambda: not self.alive() or self._pid or self._find(), "the program to run")
         if self.alive():
             with suppress(ProcessLookupError):  # it may have ended just before its starter
                 os.kill(self.pid, signal.SIGKILL)
