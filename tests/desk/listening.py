@@ -1,22 +1,63 @@
 """Comparing what was heard with what should have been heard."""
 
+from collections import namedtuple
+
 import numpy
 
 from desk.menu import PROGRAM_NAME
+from desk.sound import RATE
 from helpers import BUILD, ROOT
 
 
-def find_place(heard, song):
-    """Where in `song` the piece `heard` begins, and how alike they are there: 1 is the same.
+SURE = RATE // 2  # frames; a shorter piece could be found in the song by chance
+STEP = 2 * RATE   # frames that are looked for at once
+SKIP = RATE       # frames that may be lost where the sound server was kept waiting
+CLICK = RATE // 1000  # a shorter silence is none: the sound server plays more than that at once
 
-    Both are arrays of rows of left, right; the answer is found by correlation."""
+# What a recording holds of the song: the frames at which its sound begins and ends there, how many
+# frames were compared, how many of them differ by more than rounding, how alike the least alike
+# piece is (1 is the same), and behind which frames of the song the sound server had nothing to play.
+Followed = namedtuple("Followed", "begin end judged wrong alike gaps")
+ROUNDING = 2
+
+
+def follow(heard, song):
+    """Finds `heard` in the song, both arrays of rows of left, right.
+
+    Where a busy machine keeps the sound server waiting it plays digital silence, and the song goes
+    on behind it. The player cannot cause that: what it leaves in its buffer is older music. So the
+    pieces between such silences are looked for one by one, each behind the one before."""
+    silence = max(CLICK, longest_silence(song[sounding(song)[0]:]))
+    begin, end, judged, wrong, alike, gaps, unsure = None, 0, 0, 0, 1.0, [], 0
+    for piece in pieces_between(heard, silence):
+        if len(piece) < SURE:
+            unsure += len(piece)
+            continue
+        if begin is None:
+            place = find_place(piece[:STEP], song)
+            begin = place - unsure
+        else:
+            gaps.append(end)
+            place = end + find_place(piece[:STEP], song[end:end + unsure + SKIP + STEP])
+        end, unsure = place + len(piece), 0
+        judged += len(piece)
+        difference = numpy.abs(piece - song[place:end].astype(int)).max(axis=1)
+        wrong += int((difference > ROUNDING).sum())
+        alike = min(alike, likeness(piece, song[place:end]))
+    assert begin is not None, "the song is not heard"
+    return Followed(begin, end + unsure, judged, wrong, alike, gaps)
+
+
+def find_place(heard, song):
+    """Where in `song` the piece `heard` begins: where the two correlate best."""
     size = 1 << (len(song) + len(heard)).bit_length()
     product = sum(numpy.fft.irfft(numpy.fft.rfft(song[:, side].astype(float), size) *
                                   numpy.conj(numpy.fft.rfft(heard[:, side].astype(float), size)),
                                   size)
-                  for side in (0, 1))
-    place = int(numpy.argmax(product[:len(song) - len(heard) + 1]))
-    return place, likeness(heard, song[place:place + len(heard)])
+                  for side in (0, 1))[:len(song) - len(heard) + 1]
+    energy = numpy.concatenate([[0], numpy.cumsum((song.astype(float) ** 2).sum(axis=1))])
+    there = energy[len(heard):] - energy[:-len(heard)]
+    return int(numpy.argmax(product / numpy.sqrt(there + 1)))
 
 
 def likeness(first, second):
@@ -28,6 +69,28 @@ def sounding(samples):
     """The first and the last frame that is not silent, the last one exclusive."""
     loud = numpy.nonzero(samples.any(axis=1))[0]
     return (int(loud[0]), int(loud[-1]) + 1) if len(loud) else (0, 0)
+
+
+def _silences(samples):
+    """The runs of frames that are silent, each as (first, behind the last)."""
+    silent = numpy.concatenate([[False], ~samples.any(axis=1), [False]])
+    return numpy.nonzero(silent[1:] != silent[:-1])[0].reshape(-1, 2)
+
+
+def longest_silence(samples):
+    """The length of the longest run of silent frames."""
+    return max((int(end - first) for first, end in _silences(samples)), default=0)
+
+
+def pieces_between(samples, silence):
+    """The pieces of `samples` between silences of more than so many frames."""
+    pieces, begin = [], 0
+    for first, end in _silences(samples):
+        if end - first > silence:
+            pieces.append(samples[begin:first])
+            begin = end
+    pieces.append(samples[begin:])
+    return [piece for piece in pieces if len(piece)]
 
 
 def render_song(desk, helpers, pieces):

@@ -1,0 +1,63 @@
+"""What the comparison of a recording with the song notices, and what it lets pass."""
+
+import numpy
+import pytest
+
+from desk.sound import RATE
+from listening import follow
+
+START = 3 * RATE
+
+
+@pytest.fixture(scope="module")
+def song():
+    """Twelve seconds of noise, which is like itself at one place only."""
+    return numpy.random.default_rng(1).integers(-9000, 9000, (12 * RATE, 2), dtype=numpy.int16)
+
+
+@pytest.fixture
+def heard(song):
+    """Six seconds from its middle."""
+    return song[START:START + 6 * RATE].copy()
+
+
+def with_silence(heard, first, frames):
+    return numpy.concatenate([heard[:first], numpy.zeros((frames, 2), heard.dtype), heard[first:]])
+
+
+def test_a_faithful_recording_is_followed_from_its_begin_to_its_end(heard, song):
+    found = follow(heard, song)
+    assert (found.begin, found.end) == (START, START + 6 * RATE)
+    assert (found.judged, found.wrong, found.gaps) == (6 * RATE, 0, [])
+    assert found.alike > 0.9999
+
+
+def test_a_song_that_goes_on_behind_a_silence_is_right_and_the_silence_is_told(heard, song):
+    found = follow(with_silence(heard, 2 * RATE, 1000), song)
+    assert (found.begin, found.end) == (START, START + 6 * RATE)
+    assert (found.wrong, found.gaps) == (0, [START + 2 * RATE])
+
+
+def test_pieces_too_short_to_be_found_count_for_begin_and_end_alone(heard, song):
+    short = RATE // 10
+    found = follow(with_silence(with_silence(heard, 6 * RATE - short, 1000), short, 1000), song)
+    assert (found.begin, found.end) == (START, START + 6 * RATE)
+    assert found.judged == 6 * RATE - 2 * short
+
+
+@pytest.mark.parametrize("frames", [1, 20])
+def test_a_click_is_wrong_and_no_silence(heard, song, frames):
+    heard[RATE:RATE + frames] = 0
+    found = follow(heard, song)
+    assert found.gaps == []
+    assert 0 < found.wrong <= frames
+
+
+def test_older_music_is_wrong(heard, song):
+    heard[2 * RATE:3 * RATE] = heard[RATE:2 * RATE]
+    assert follow(heard, song).wrong > RATE // 2
+
+
+def test_another_song_is_not_alike(song):
+    other = numpy.random.default_rng(2).integers(-9000, 9000, (3 * RATE, 2), dtype=numpy.int16)
+    assert follow(other, song).alike < 0.5
