@@ -144,6 +144,45 @@ TEST_F(ImageSequence, ATargetOfBitsWithoutAPackedBitmapGetsNothing) {
     EXPECT_EQ(canvas.count(ground, 0, 0, 64, 48), 64 * 48);
 }
 
+// No result of a drawing call is looked at: the calls behind one that fails are the same.
+struct IgnoredCall {
+    const char* call;
+    int32_t target;
+};
+
+void PrintTo(const IgnoredCall& ignored, std::ostream* out) {
+    *out << ignored.call << ", target " << ignored.target;
+}
+
+class IgnoredSequence : public ImageSequence, public testing::WithParamInterface<IgnoredCall> {
+protected:
+    std::vector<std::string> drawnCalls() {
+        calls.take();
+        Draw_ImageSized(picture.handle(), 20, 10, 6, 5);
+        std::vector<std::string> names = calls.take();
+        for (std::string& line : names)
+            line.resize(line.find('('));
+        return names;
+    }
+};
+
+TEST_P(IgnoredSequence, GoesOnAsIfTheCallHadSucceeded) {
+    beginUnseen(GetParam().target);
+    const std::vector<std::string> unharmed = drawnCalls();
+    calls.fail(GetParam().call, 1, 0);
+    EXPECT_EQ(drawnCalls(), unharmed);
+    EXPECT_GE(calls.uses(GetParam().call), 2) << "the call was there to fail";
+}
+
+const IgnoredCall ignoredCalls[] = {
+    {"SelectObject", DrawTarget_Surface}, {"SetStretchBltMode", DrawTarget_Surface},
+    {"StretchBlt", DrawTarget_Surface},   {"DeleteDC", DrawTarget_Surface},
+    {"ReleaseDC", DrawTarget_Bits},       {"SetStretchBltMode", DrawTarget_Bits},
+    {"StretchDIBits", DrawTarget_Bits},   {"DeleteDC", DrawTarget_Bits},
+};
+
+INSTANTIATE_TEST_SUITE_P(Calls, IgnoredSequence, testing::ValuesIn(ignoredCalls));
+
 TEST_F(ImageSequence, WhatIsNoBitmapIsDrawnAsAnIcon) {
     HICON icon = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION));
     calls.name(icon, "picture2");

@@ -121,6 +121,31 @@ TEST_F(MessageBoxSequence, OfABoxWhoseForegroundIsAnotherProcesss) {
     )"));
 }
 
+TEST_F(MessageBoxSequence, OfABoxThoughTheWindowsCannotBeListed) {
+    windows = {{one, {thread, process}}};
+    calls.fail("EnumWindows", 1, 0);
+    EXPECT_EQ(Desk_MessageBox("Error", "Some words", 0), IDOK);
+    EXPECT_TRUE(calls.match(R"(
+        EnumWindows(routine, 0) -> 0
+        GetForegroundWindow() -> null
+        MessageBoxA(null, "Some words", "Error", 0) -> 1
+    )"));
+}
+
+TEST_F(MessageBoxSequence, OfABoxThoughTheForegroundIsGoneMeanwhile) {
+    windows = {{two, {thread, process}}};
+    foreground = two;
+    calls.fail("GetWindowThreadProcessId", 2, 0); // the first is of the walk
+    EXPECT_EQ(Desk_MessageBox("Error", "Some words", 0), IDOK);
+    EXPECT_TRUE(calls.match(R"(
+        EnumWindows(routine, 0) -> 1
+        ...
+        GetForegroundWindow() -> two
+        GetWindowThreadProcessId(two, *) -> 0
+        MessageBoxA(null, "Some words", "Error", 0) -> 1
+    )"));
+}
+
 TEST_F(MessageBoxSequence, OfABoxThatCannotBeShown) {
     windows = {{one, {thread, process}}};
     calls.fail("MessageBoxA", 1, 0);

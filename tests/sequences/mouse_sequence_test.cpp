@@ -9,6 +9,7 @@ namespace {
 class MouseSequence : public InputTest {
 protected:
     MouseSequence() {
+        Screen.windowed = 0;
         Screen.screenWidth = 1024;
         Screen.screenHeight = 768;
         Screen.active = 1;
@@ -167,6 +168,36 @@ TEST_F(MouseSequence, OfAPollAndLettingGoOnAWindowedScreen) {
         IDirectInputDevice7A::Unacquire(device1) -> 0
     )"));
 }
+
+class IgnoredByMouse : public MouseSequence, public testing::WithParamInterface<const char*> {};
+
+TEST_P(IgnoredByMouse, GoesOnOnAWindowedScreenAsIfTheCallHadSucceeded) {
+    setUp();
+    makeWindowed();
+    devices.input.move(3, 4);
+    calls.fail(GetParam(), 1, 0);
+    Mouse_Poll();
+    Mouse_Unhook();
+    EXPECT_TRUE(calls.match(R"(
+        GetForegroundWindow()
+        GetWindowRect(screen, *)
+        ClipCursor(*)
+        ShowCursor(0)
+        IDirectInputDevice7A::SetCooperativeLevel(*)
+        IDirectInputDevice7A::SetProperty(*)
+        IDirectInputDevice7A::Acquire(*)
+        IDirectInputDevice7A::GetProperty(*)
+        IDirectInputDevice7A::GetDeviceData(*)
+        SetCursorPos(*)
+        ClipCursor(null)
+        ShowCursor(1)
+        IDirectInputDevice7A::Unacquire(*)
+    )"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, IgnoredByMouse,
+                         testing::Values("GetWindowRect", "ClipCursor", "ShowCursor",
+                                         "SetCursorPos"));
 
 TEST_F(MouseSequence, OfTheEndDoesNotUnacquire) {
     setUp();

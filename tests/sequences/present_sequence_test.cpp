@@ -83,6 +83,24 @@ TEST_F(PresentSequence, ARasterThatCannotBeReadIsNotWaitedFor) {
     )"));
 }
 
+TEST_F(PresentSequence, TheRasterIsWaitedForWhateverBecomesOfThePriority) {
+    Screen.targetHeight = 768;
+    devices.ddraw.scanLines = {618};
+    calls.fail("GetThreadPriority", 1, THREAD_PRIORITY_ERROR_RETURN);
+    calls.fail("SetThreadPriority", 1, 0);
+    calls.fail("SetThreadPriority", 2, 0);
+    Screen_Present(3);
+    EXPECT_TRUE(calls.match(R"(
+        PeekMessageA(*)
+        GetCurrentThread()
+        GetThreadPriority(*) -> 0x7FFFFFFF
+        SetThreadPriority(*, 2) -> 0
+        IDirectDraw7::GetScanLine(ddraw1, &618) -> 0
+        SetThreadPriority(*, 0x7FFFFFFF) -> 0
+        IDirectDrawSurface7::Flip(primary, null, 1) -> 0
+    )"));
+}
+
 TEST_F(PresentSequence, AnInactiveScreenPumpsAndReturns) {
     Screen.active = 0;
     Screen_Present(3);

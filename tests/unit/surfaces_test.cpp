@@ -281,6 +281,31 @@ TEST_F(ScreenRestoreSurfaces, KeepsTheCopyWhileTheSurfaceCannotBeLocked) {
     EXPECT_EQ(record->saved, nullptr);
 }
 
+TEST_F(ScreenRestoreSurfaces, KeepsTheCopyWhileTheSurfaceCannotBeRestored) {
+    ScreenSurface* record = make(0);
+    draw(record);
+    Screen_SaveSurfaces();
+    void* saved = record->saved;
+    devices.ddraw.loseSurfaces();
+    calls.fail("IDirectDrawSurface7::Restore", 1, DDERR_WRONGMODE);
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(record->saved, saved);
+    EXPECT_EQ(calls.uses("IDirectDrawSurface7::Restore"), 1);
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(drawnPixels(record), allPixels);
+    EXPECT_EQ(record->saved, nullptr);
+}
+
+TEST_F(ScreenRestoreSurfaces, IsDoneWithTheCopyThoughTheUnlockFails) {
+    ScreenSurface* record = make(0);
+    draw(record);
+    Screen_SaveSurfaces();
+    calls.fail("IDirectDrawSurface7::Unlock", 1, DDERR_GENERIC);
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(record->saved, nullptr);
+    surfaceOf(record)->Unlock(nullptr);
+}
+
 TEST_F(ScreenRestoreSurfaces, SkipsPlainMemory) {
     ScreenSurface* record = make(0);
     record->kind = SurfaceKind_Memory;
