@@ -3,6 +3,7 @@
 
 #include "tests/support/launcher_stage.h"
 
+#include "audio/module_player.h"
 #include "launcher/variables.h"
 
 namespace {
@@ -313,6 +314,29 @@ TEST(ProgramStart, TakesAnEmptyFileForTheDataFile) {
         EXPECT_EQ(stage.run().exitCode, 0u);
         EXPECT_TRUE(stage.devices.desktop->messageBoxes.empty());
         EXPECT_GT(stage.devices.ddraw.flips(), 0) << "the menu came up";
+    });
+}
+
+TEST(ProgramStart, PlaysTheSongAsModuleZero) {
+    onStage([](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] {
+            EXPECT_EQ(Launcher.ModuleNumber, 0);
+            Module_Stop(0);
+        });
+        stage.calls.after("IDirectDrawSurface7::Flip", 1,
+                          [&stage] { EXPECT_FALSE(stage.devices.sound.isPlaying()); });
+        stage.run();
+    });
+}
+
+TEST(ProgramStart, LaysTheMenuOutBehindThePictures) {
+    onStage([](LauncherStage& stage) {
+        int64_t linesBefore = -1, linesBehind = -1;
+        stage.calls.before("CreateFontA", 3, [&] { linesBefore = Launcher.InfoPageSize; });
+        stage.calls.before("SetWindowTextA", 1, [&] { linesBehind = Launcher.InfoPageSize; });
+        stage.run();
+        EXPECT_EQ(linesBefore, 0);
+        EXPECT_EQ(linesBehind, 60);
     });
 }
 
