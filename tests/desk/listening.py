@@ -25,8 +25,9 @@ def follow(heard, song):
     """Finds `heard` in the song, both arrays of rows of left, right.
 
     Where a busy machine keeps the sound server waiting it plays digital silence, and the song goes
-    on behind it. The player cannot cause that: what it leaves in its buffer is older music. So the
-    pieces between such silences are looked for one by one, each behind the one before."""
+    on behind it. So the pieces between such silences are looked for one by one, each behind the one
+    before. A player that is late is heard as older music, and on its buffer's first lap alone as
+    silence, which then begins where the halves meet: whoever asks looks at the gaps."""
     silence = max(CLICK, longest_silence(song[sounding(song)[0]:]))
     begin, end, judged, wrong, alike, gaps, unsure = None, 0, 0, 0, 1.0, [], 0
     for piece in pieces_between(heard, silence):
@@ -61,8 +62,10 @@ def find_place(heard, song):
 
 
 def likeness(first, second):
-    """The correlation of two pieces of the same length, both channels together."""
-    return float(numpy.corrcoef(first.ravel(), second.ravel())[0, 1])
+    """The correlation of two pieces of the same length, both channels together; 0 where one of them
+    is constant."""
+    with numpy.errstate(invalid="ignore"):
+        return float(numpy.nan_to_num(numpy.corrcoef(first.ravel(), second.ravel())[0, 1]))
 
 
 def sounding(samples):

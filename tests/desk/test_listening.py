@@ -38,6 +38,14 @@ def test_a_song_that_goes_on_behind_a_silence_is_right_and_the_silence_is_told(h
     assert (found.wrong, found.gaps) == (0, [START + 2 * RATE])
 
 
+def test_what_the_sound_server_lost_is_missing_and_not_wrong(heard, song):
+    lost = 500
+    kept = with_silence(numpy.delete(heard, slice(2 * RATE, 2 * RATE + lost), axis=0), 2 * RATE, 1000)
+    found = follow(kept, song)
+    assert (found.begin, found.end) == (START, START + 6 * RATE)
+    assert (found.judged, found.wrong) == (6 * RATE - lost, 0)
+
+
 def test_pieces_too_short_to_be_found_count_for_begin_and_end_alone(heard, song):
     short = RATE // 10
     found = follow(with_silence(with_silence(heard, 6 * RATE - short, 1000), short, 1000), song)
@@ -56,6 +64,10 @@ def test_a_click_is_wrong_and_no_silence(heard, song, frames):
 def test_older_music_is_wrong(heard, song):
     heard[2 * RATE:3 * RATE] = heard[RATE:2 * RATE]
     assert follow(heard, song).wrong > RATE // 2
+
+
+def test_a_constant_is_not_alike(song):
+    assert follow(numpy.full((3 * RATE, 2), 77, numpy.int16), song).alike < 0.5
 
 
 def test_another_song_is_not_alike(song):

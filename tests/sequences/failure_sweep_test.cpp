@@ -236,7 +236,8 @@ constexpr const char* withoutRow[] = {
     "ExitProcess", "GetStockObject", "GlobalFree", "HeapFree", "InitCommonControls",
     "IDirectDraw7::Release", "IDirectDrawSurface7::Release", "IDirectInputDevice7A::Release",
     "IDirectSoundBuffer::Release", "MulDiv", "PeekMessageA", "Sleep",
-    // The tests of texts, heaps, files and processes make each of their uses fail.
+    // The tests of texts, heaps, pools, registries, lists and files make them fail. A command line
+    // or the keyboard's table without memory would be a fault.
     "HeapAlloc", "HeapReAlloc",
     // The player's library's own.
     "GlobalAlloc"};

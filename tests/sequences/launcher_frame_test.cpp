@@ -107,6 +107,7 @@ TEST(Frame, OfTheCataloguePageAsksWindowsInThisOrder) {
             )"));
         });
         stage.run();
+        EXPECT_GE(stage.calls.uses("IDirectDrawSurface7::Flip"), 4);
     });
 }
 
@@ -183,6 +184,7 @@ TEST(Frame, OfTheInfoPageAsksWindowsInThisOrder) {
             )"));
         });
         stage.run();
+        EXPECT_GE(stage.calls.uses("IDirectDrawSurface7::Flip"), 12);
     });
 }
 

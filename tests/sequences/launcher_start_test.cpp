@@ -186,6 +186,7 @@ TEST(ProgramStart, TakesEveryStepInOrder) {
         });
         stage.run();
         EXPECT_TRUE(stage.devices.wereUsed());
+        EXPECT_GT(stage.devices.ddraw.flips(), 0) << "the first frame was reached";
     });
 }
 
@@ -319,8 +320,9 @@ TEST(ProgramStart, TakesAnEmptyFileForTheDataFile) {
 
 TEST(ProgramStart, PlaysTheSongAsModuleZero) {
     onStage([](LauncherStage& stage) {
-        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [&stage] {
             EXPECT_EQ(Launcher.ModuleNumber, 0);
+            EXPECT_TRUE(stage.devices.sound.isPlaying());
             Module_Stop(0);
         });
         stage.calls.after("IDirectDrawSurface7::Flip", 1,

@@ -16,7 +16,7 @@ namespace {
 // In the environment of the new process: the handle of the SharedTime that it inherits.
 constexpr char childMark[] = "RUNS_AS_CHILD";
 constexpr UINT endedFromOutside = 0xC000013A;
-constexpr auto patience = std::chrono::minutes(1); // for one that waits for ever
+constexpr auto patience = std::chrono::minutes(4); // for one that waits for ever
 
 bool isChild() { return GetEnvironmentVariableA(childMark, nullptr, 0) > 0; }
 

@@ -32,6 +32,7 @@ struct ChildReport {
 //     EXPECT_TRUE(child.diedOfMemoryFault());
 //
 // The scenario may use so much processor time. By this measure, and not by the clock's, a loop that
-// never waits is told from one that ends, however busy the machine is.
+// never waits is told from one that ends, however busy the machine is. One that waits for ever is
+// ended after four minutes.
 ChildReport runInChild(const std::function<void()>& scenario,
                        std::chrono::milliseconds busyLimit = std::chrono::seconds(30));

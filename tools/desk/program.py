@@ -36,10 +36,13 @@ class Program:
 
     def kill(self):
         """Ends the program from outside, without a chance to tidy up, and gives its exit code."""
-        wait_until(lambda: not self.alive() or self._pid or self._find(), "the program to run")
-        if self.alive():
+        def seen():
+            self._pid = self._pid or self._find()
+            return self._pid or not self.alive()
+        wait_until(seen, "the program to run")
+        if self._pid and self.alive():
             with suppress(ProcessLookupError):  # it may have ended just before its starter
-                os.kill(self.pid, signal.SIGKILL)
+                os.kill(self._pid, signal.SIGKILL)
         return self.wait_end()
 
     def cpu_seconds(self):
