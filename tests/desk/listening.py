@@ -40,6 +40,7 @@ def follow(heard, song):
         else:
             gaps.append(end)
             place = end + find_place(piece[:STEP], song[end:end + unsure + SKIP + STEP])
+        piece = piece[:len(song) - place]
         end, unsure = place + len(piece), 0
         judged += len(piece)
         difference = numpy.abs(piece - song[place:end].astype(int)).max(axis=1)

@@ -38,6 +38,11 @@ def test_a_song_that_goes_on_behind_a_silence_is_right_and_the_silence_is_told(h
     assert (found.wrong, found.gaps) == (0, [START + 2 * RATE])
 
 
+def test_what_is_heard_behind_the_songs_end_is_not_judged(heard, song):
+    found = follow(heard, song[:START + 4 * RATE])
+    assert (found.begin, found.judged, found.wrong) == (START, 4 * RATE, 0)
+
+
 def test_what_the_sound_server_lost_is_missing_and_not_wrong(heard, song):
     lost = 500
     kept = with_silence(numpy.delete(heard, slice(2 * RATE, 2 * RATE + lost), axis=0), 2 * RATE, 1000)
