@@ -3,6 +3,7 @@
 #include "input/keyboard.h"
 #include "input/mouse.h"
 
+#include "tests/support/child_run.h"
 #include "tests/support/device_fixture.h"
 
 namespace {
@@ -67,6 +68,16 @@ TEST_F(KeyboardSequence, OfQueriesIsEmpty) {
     Keyboard_IsReleased(DIK_UP);
     Keyboard_IsReleased(Keyboard_AnyKey);
     EXPECT_TRUE(calls.match(""));
+}
+
+// A failed allocation is not looked for: the table is written where there is no memory.
+TEST_F(KeyboardSequence, EndsInAFaultWithoutMemoryForTheFormat) {
+    const ChildReport child = runInChild([this] {
+        calls.fail("HeapAlloc", 1, 0);
+        calls.echo();
+        Keyboard_SubsystemInit();
+    });
+    EXPECT_TRUE(child.diedOfMemoryFaultAfter("HeapAlloc(general, 0, 6144)"));
 }
 
 TEST_F(KeyboardSequence, OfTheEnd) {

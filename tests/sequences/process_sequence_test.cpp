@@ -3,6 +3,7 @@
 
 #include "desktop/process.h"
 
+#include "tests/support/child_run.h"
 #include "tests/support/runtime_fixture.h"
 
 namespace {
@@ -162,6 +163,31 @@ TEST_F(ProcessSequence, BuildsTheCommandLine) {
     EXPECT_EQ(commandLine("\"a", ""), expected("6", R"("\"a")"));
     EXPECT_EQ(commandLine("", ""), expected("4", R"("\"\"")"));
     EXPECT_EQ(commandLine(nullptr, nullptr), expected("4", R"("\"\"")"));
+}
+
+// --- Without memory ---
+
+// A failed allocation is not looked for: what is to be kept is written where there is no memory.
+// The fixture is the new process's alone: the test starts that process itself, with CreateProcessA.
+class StartWithoutMemory : public ProcessSequence {
+public:
+    void run(int failingAllocation) {
+        calls.except({});
+        calls.fail("HeapAlloc", failingAllocation, 0);
+        calls.echo();
+        Proc_Run("x", "", "", PROC_KEEP);
+    }
+    void TestBody() override {}
+};
+
+TEST(ProcessWithoutMemory, FaultsAtTheCommandLine) {
+    const ChildReport child = runInChild([] { StartWithoutMemory().run(1); });
+    EXPECT_TRUE(child.diedOfMemoryFaultAfter("HeapAlloc(general, 0, 5)"));
+}
+
+TEST(ProcessWithoutMemory, FaultsAtTheRecordOfAKeptChild) {
+    const ChildReport child = runInChild([] { StartWithoutMemory().run(2); });
+    EXPECT_TRUE(child.diedOfMemoryFaultAfter("HeapAlloc(loose, 8, 56)"));
 }
 
 // --- Pipes ---

@@ -160,6 +160,14 @@ bool ChildReport::succeeded() const {
     return exitCode == 0;
 }
 
+bool ChildReport::diedOfMemoryFaultAfter(const std::string& call) const {
+    // The process then ends itself, for which it asks for its own handle.
+    const bool wasLast = output.ends_with(call + "\r\nGetCurrentProcess()\r\n");
+    if (!diedOfMemoryFault() || !wasLast)
+        printf("The child ended with code 0x%lX. It wrote:\n%s\n", exitCode, output.c_str());
+    return diedOfMemoryFault() && wasLast;
+}
+
 ChildReport runInChild(const std::function<void()>& scenario, std::chrono::milliseconds busyLimit) {
     if (isChild())
         runAsChild(scenario);

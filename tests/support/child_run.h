@@ -23,6 +23,8 @@ struct ChildReport {
     // The scenario ended and every expectation in it held; otherwise its output is shown.
     bool succeeded() const;
     bool diedOfMemoryFault() const { return isMemoryFault(static_cast<int>(exitCode)); }
+    // The fault came after this call and before any other, by what the recorder's echo() wrote.
+    bool diedOfMemoryFaultAfter(const std::string& call) const;
 };
 
 // Runs `scenario` in a new process of this test program. One use a test. The code around it runs in
