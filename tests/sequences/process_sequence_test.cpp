@@ -109,6 +109,21 @@ TEST_F(ProcessSequence, LocksTheListAroundTheInsertionAndNothingMore) {
     )"));
 }
 
+TEST_F(ProcessSequence, FillsInTheRecordWithoutTheLock) {
+    const ProcessHandle* record = nullptr;
+    HANDLE underTheLock = &input;
+    calls.before("HeapAlloc", 2, [&] {
+        calls.before("LeaveCriticalSection", 1, [&] {
+            record = reinterpret_cast<const ProcessHandle*>(processList + 1);
+            underTheLock = record->process;
+        });
+    });
+    Proc_Run("x", "", "", PROC_KEEP);
+    EXPECT_EQ(underTheLock, nullptr);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->processId, 4711);
+}
+
 TEST_F(ProcessSequence, TakesNoLockForAChildThatIsNotKept) {
     calls.only({"EnterCriticalSection", "LeaveCriticalSection"});
     Proc_Run("x", "", "", PROC_WAIT);

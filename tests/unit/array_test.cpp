@@ -302,6 +302,25 @@ TEST_F(RecordFreeStrings, FreesTheTextsOfAnEmbeddedArray) {
     )"));
 }
 
+TEST_F(RecordFreeStrings, FreesTheTextsOfArraysWithinArrays) {
+    const FieldMap inner[] = {
+        FieldMap_Array, 3, nestedOffset, sizeof(Row), reinterpret_cast<int64_t>(bothTexts),
+        FieldMap_End};
+    const FieldMap outer[] = {
+        FieldMap_Array, 2, 0, sizeof(Nested), reinterpret_cast<int64_t>(inner), FieldMap_End};
+    Nested records[] = {newNested(), newNested()};
+    HeapRecorder calls;
+    std::string expected;
+    for (Nested& record : records)
+        for (const Row& element : record.elements) {
+            const std::string name = "text" + std::to_string(expected.size());
+            calls.name(element.second, name.c_str());
+            expected += "HeapFree(text, 1, " + name + ") -> 1\n";
+        }
+    Record_FreeStrings(records, outer);
+    EXPECT_TRUE(calls.match(expected));
+}
+
 TEST_F(RecordFreeStrings, HoldsToTheArraysCountAndStride) {
     const FieldMap map[] = {
         FieldMap_Array, 2, nestedOffset, 2 * sizeof(Row), reinterpret_cast<int64_t>(bothTexts),

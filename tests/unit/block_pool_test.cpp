@@ -192,6 +192,9 @@ TEST_F(PoolAlloc, GrowsByASixteenthInMultiplesOfSixteen) {
 TEST_F(PoolAlloc, CutsTheSixteenthTo32Bits) {
     pool->totalSlots = (int64_t{1} << 36) + 1024; // a sixteenth of 2 to the 32nd, and 64
     EXPECT_EQ(blockOf(Pool_Alloc(pool))->capacity, 64);
+    BlockPool* const huge = Pool_New(24, 16, 65536);
+    huge->totalSlots = int64_t{1} << 35; // a sixteenth is negative in 32 bits
+    EXPECT_EQ(blockOf(Pool_Alloc(huge))->capacity, 16);
 }
 
 TEST_F(PoolAlloc, HoldsBlocksOf16Until512AndOf32Until768) {

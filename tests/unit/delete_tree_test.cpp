@@ -240,6 +240,32 @@ TEST_F(FsDeleteTreeCalls, SetAttributesByForceBeforeEachRemoval) {
     )"));
 }
 
+TEST_F(FsDeleteTreeCalls, KeepTheirFlagsAtEveryDepth) {
+    folders["base\\*.*"] = {{"sub", isFolder}};
+    folders["base\\sub\\*.*"] = {{"deep", isFolder}};
+    folders["base\\sub\\deep\\*.*"] = {{"file"}};
+    EXPECT_EQ(Fs_DeleteTree("base", "*.*", both), 7);
+    EXPECT_TRUE(calls.match(R"(
+        FindFirstFileA("base\\*.*", *)
+        FindFirstFileA("base\\sub\\*.*", *)
+        FindFirstFileA("base\\sub\\deep\\*.*", *)
+        SetFileAttributesA("base\\sub\\deep\\file", 128)
+        DeleteFileA("base\\sub\\deep\\file")
+        FindNextFileA(*, *) -> 0
+        FindClose(*)
+        SetFileAttributesA("base\\sub\\deep\\", 128)
+        RemoveDirectoryA("base\\sub\\deep\\")
+        FindNextFileA(*, *) -> 0
+        FindClose(*)
+        SetFileAttributesA("base\\sub\\", 128)
+        RemoveDirectoryA("base\\sub\\")
+        FindNextFileA(*, *) -> 0
+        FindClose(*)
+        SetFileAttributesA("base\\", 128)
+        RemoveDirectoryA("base\\")
+    )"));
+}
+
 TEST_F(FsDeleteTreeCalls, PassASubfolderByWithoutRecursion) {
     folders["base\\*.*"] = {{"sub", isFolder}, {"file"}};
     folders["base\\sub\\*.*"] = {{"inner"}};

@@ -139,6 +139,12 @@ TEST_F(FileReadLine, GivesTheEmptyTextForAnUnknownFile) {
     EXPECT_EQ(TextPosition, 3);
 }
 
+TEST_F(FileReadLine, MakesRoomBeforeItLooksForTheFile) {
+    HeapRecorder calls;
+    File_ReadLine(5, 0);
+    EXPECT_TRUE(calls.match("HeapReAlloc(text, 1, *, 20485)"));
+}
+
 TEST_F(FileReadLine, TakesAReadErrorForTheEndOfTheFile) {
     openNew(0, std::string(5000, 'x') + "\nmore");
     FileRecorder calls;

@@ -330,6 +330,13 @@ TEST_F(FsSizeOfDrive, IsAskedForTwoOrThreeCharactersWithAColonOnly) {
     EXPECT_EQ(calls.uses("GetDriveTypeA"), 1) << "for two colons";
 }
 
+TEST_F(FsSizeOfDrive, IsNotAskedForADriveWithMoreThanOneBackslash) {
+    CallRecorder calls;
+    calls.only({"GetDriveTypeA", "FindFirstFileA"});
+    Fs_Size("C:\\\\");
+    EXPECT_TRUE(calls.match("FindFirstFileA(\"C:\", *)")) << "backslashes go after the look";
+}
+
 // --- Size: network paths ---
 
 class FsSizeOfShare : public FileSystemTest {

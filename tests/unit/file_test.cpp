@@ -268,6 +268,21 @@ TEST_F(FileOpen, OfANumberInUseClosesTheEarlierFileFirst) {
     EXPECT_EQ(textAt(0), "2");
 }
 
+TEST_F(FileOpen, OfANumberInUseClosesTheEarlierFileFirstInEveryForm) {
+    FileRecorder calls;
+    File_Create(3, "file");
+    for (const auto open : {File_Create, File_Open}) {
+        calls.take();
+        EXPECT_NE(open(3, "file"), 0) << "no file of its own stands in its way";
+        EXPECT_TRUE(calls.match(R"(
+            HeapFree(general, 0, block1) -> 1
+            CloseHandle(file1) -> 1
+            CreateFileA("file", *) -> file1
+            HeapAlloc(general, 0, 4096) -> block1
+        )"));
+    }
+}
+
 // --- Reading bytes ---
 
 class FileReadBytes : public FileTest {

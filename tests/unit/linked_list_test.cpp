@@ -107,6 +107,15 @@ TEST_F(ListNew, MakesAnEmptyListWithAPoolOfItsOwn) {
     EXPECT_EQ(variable, reinterpret_cast<ListElement*>(this)) << "the variable is left as it is";
 }
 
+TEST_F(ListNew, LeavesTheCurrentIndexAsTheBlockHadIt) {
+    HeapRecorder calls;
+    calls.replace<hook::HeapAlloc>([](HANDLE heap, DWORD flags, SIZE_T size) {
+        void* const block = CallRecorder::original<hook::HeapAlloc>()(heap, flags, size);
+        return flags & HEAP_ZERO_MEMORY ? block : memset(block, 0x11, size);
+    });
+    EXPECT_EQ(List_New(24, &current, nullptr, 8)->currentIndex, 0x1111111111111111);
+}
+
 TEST_F(ListNew, StopsTheProgramWithoutAHeader) {
     EXPECT_EXIT(
         {

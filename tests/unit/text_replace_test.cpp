@@ -137,6 +137,19 @@ TEST_F(TextReplace, DoesNotGuardAgainstAStartBeyondTheEnd) {
     EXPECT_EQ(std::string(TextBase, 8), std::string("ab\0cxyd\0", 8));
 }
 
+TEST_F(TextReplace, FillsUpTheGapBetweenTheEndAndAStartBeyondIt) {
+    char text[] = "ab\0cbd";
+    Text_Replace(text, "b", "xy", 0, 5, 0);
+    EXPECT_EQ(std::string(TextBase, 8), std::string("ab\0\0xyd\0", 8));
+}
+
+TEST_F(TextReplace, CopiesTheTextAloneWhereNothingMatchesBeyondTheEnd) {
+    char text[] = "ab\0cbd";
+    memset(TextBase, '-', 8);
+    Text_Replace(text, "x", "y", 0, 5, 0);
+    EXPECT_EQ(std::string(TextBase, 8), std::string("ab\0-----", 8));
+}
+
 DWORD WINAPI replaceAnEmptyTextIgnoringCase(void*) {
     Text_Replace("abc", "", "x", Replace_IgnoreCase, 1, 0);
     return 0;

@@ -86,6 +86,13 @@ TEST_F(TextReserve, TakesTheEndAs32BitsSigned) {
     EXPECT_EQ(TextPosition, 5);
 }
 
+TEST_F(TextReserve, FindsRoomForAnEndThatIsNegativeIn32Bits) {
+    HeapRecorder calls;
+    TextPosition = 0x80000000;
+    Text_Reserve(5, 0);
+    EXPECT_EQ(calls.uses("HeapReAlloc"), 0);
+}
+
 TEST_F(TextReserve, KeepsTheContentAndTheOffsetsOverAMove) {
     Text_Append("kept");
     HeapRecorder calls;
@@ -222,6 +229,12 @@ TEST_F(TextAppend, WritesWhereTheBlockHasMovedTo) {
     EXPECT_EQ(textAt(0), "0123456789and more of it");
 }
 
+TEST_F(TextAppend, CopiesWholeUnits) {
+    memset(TextBase, '-', 8);
+    Text_Append("a\0cd");
+    EXPECT_EQ(std::string(TextBase, 8), std::string("a\0cd----", 8));
+}
+
 // --- Store ---
 
 using TextStore = RuntimeTest;
@@ -288,6 +301,14 @@ TEST_F(TextStore, CutsTheTextOffAtThePosition) {
     EXPECT_STREQ(variable, "ab");
 }
 
+TEST_F(TextStore, CopiesWholeUnits) {
+    TextVariable variable = nullptr;
+    memcpy(TextBase, "a\0cd", 4);
+    TextPosition = 1;
+    Text_Store(&variable, 0);
+    EXPECT_EQ(std::string(variable, 4), std::string("a\0cd", 4));
+}
+
 TEST_F(TextStore, UsesAFailedAllocationAsItStands) {
     TextVariable variable = nullptr;
     Text_Append("abc");
@@ -320,6 +341,12 @@ TEST_F(TextAssign, ReallocatesAVariablesBlockInPlace) {
     EXPECT_EQ(Text_Assign(&variable, "abcdefgh"), 9);
     EXPECT_TRUE(calls.match("HeapReAlloc(text, 1, old, 13)"));
     EXPECT_STREQ(variable, "abcdefgh");
+}
+
+TEST_F(TextAssign, CopiesWholeUnits) {
+    TextVariable variable = nullptr;
+    EXPECT_EQ(Text_Assign(&variable, "a\0cd"), 2);
+    EXPECT_EQ(std::string(variable, 4), std::string("a\0cd", 4));
 }
 
 TEST_F(TextAssign, OfTheEmptyTextIsABlockOfFiveBytes) {
