@@ -22,7 +22,8 @@ struct Library {
     ModPlug_Settings settings{};
     ModPlugFile file{};
     bool loads = true;
-    uint8_t sound = 0; // what the next rendering is filled with
+    uint8_t sound = 0;  // what the next rendering is filled with
+    bool ended = false; // a rendering is told as none
 };
 
 Library library;
@@ -53,7 +54,7 @@ int ModPlug_Read(ModPlugFile* file, void* buffer, int size) {
     EXPECT_EQ(file, &library.file);
     library.note("ModPlug_Read(" + std::to_string(size) + ")");
     memset(buffer, ++library.sound, static_cast<size_t>(size));
-    return size;
+    return library.ended ? 0 : size;
 }
 
 void ModPlug_SetMasterVolume(ModPlugFile* file, unsigned int volume) {
@@ -393,6 +394,30 @@ TEST_F(ModuleSequence, StartsEveryThreadWithTheSecondHalf) {
     Module_Play(0);
     render(player, {0});
     EXPECT_EQ(halves(), std::pair(3, 4));
+}
+
+TEST_F(ModuleSequence, GoesFromHalfToHalfBehindTheSongsEnd) {
+    ModulePlayer* player = play();
+    library.ended = true;
+    render(player, {0, half + 1, 0});
+    EXPECT_EQ(halves(), std::pair(3, 4));
+}
+
+// The library fills whatever it is given: the record's number alone tells where the middle lies.
+TEST_F(ModuleSequence, TakesHalfOfWhateverTheRecordSaysThatTheBufferHolds) {
+    ModulePlayer* player = load();
+    player->bufferBytes = 2000;
+    calls.only({"IDirectSoundBuffer::Lock"});
+    Module_Play(0);
+    render(player, {999, 1001});
+    EXPECT_TRUE(match(R"(
+        IDirectSoundBuffer::Lock(buffer2, 0, 1000, *) -> 0
+        ModPlug_Read(1000)
+        IDirectSoundBuffer::Lock(buffer2, 1000, 1000, *) -> 0
+        ModPlug_Read(1000)
+        IDirectSoundBuffer::Lock(buffer2, 0, 1000, *) -> 0
+        ModPlug_Read(1000)
+    )"));
 }
 
 TEST_F(ModuleSequence, TriesALockThatFailedAgainWhateverTheCursorSays) {
