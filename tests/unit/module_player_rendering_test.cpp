@@ -34,7 +34,7 @@ protected:
     // Hands every half to `see`.
     template <typename See>
     void renderAhead(ModulePlayer* player, int halves, See see) {
-        int done = 0;
+        int done = 0, seen = 0;
         calls.except({"IDirectSoundBuffer", "Sleep"});
         calls.replace<hook::Sleep>([&](DWORD) {
             devices.sound.moveCursor(done % 2 == 0 ? 0 : half + 1);
@@ -43,6 +43,7 @@ protected:
         });
         calls.replace<hook::IDirectSoundBuffer_Unlock>(
             [&](IDirectSoundBuffer*, void* region, DWORD size, void*, DWORD) {
+                ++seen;
                 see(Samples(static_cast<int16_t*>(region),
                             static_cast<int16_t*>(region) + size / sizeof(int16_t)));
                 return DS_OK;
@@ -50,6 +51,7 @@ protected:
         player->playing = 1;
         Module_RenderThread(player);
         EXPECT_EQ(done, halves);
+        EXPECT_EQ(seen, halves) << "a look at the cursor without a rendering";
     }
 
     Samples allOf(ModulePlayer* player, int halves) {
