@@ -15,6 +15,17 @@ void pressEnter(LauncherStage& stage, int count = 1) {
         stage.devices.input.press(DIK_RETURN);
 }
 
+// A cursor key let go together with Enter, on row 0.
+void expectRunBehind(uint8_t key, const char* exeName) {
+    onStage([=](LauncherStage& stage) {
+        stage.devices.input.script({{key, DIK_RETURN}, {}});
+        stage.run();
+        ASSERT_EQ(stage.children.size(), 2u);
+        EXPECT_NE(stage.children[1].commandLine.find(exeName), std::string::npos)
+            << stage.children[1].commandLine;
+    });
+}
+
 bool isIntro(const std::string& commandLine) {
     return commandLine.find("BlahBlubber") == std::string::npos;
 }
@@ -210,6 +221,18 @@ TEST(Launch, FiftyTimesLeavesOneProcessHandleEachAndNothingElse) {
     });
 }
 
+TEST(Launch, KeepsPathHandleAndResultOfTheLastIntroInItsVariables) {
+    onStage([](LauncherStage& stage) {
+        pressEnter(stage, 2);
+        stage.run();
+        EXPECT_EQ(stage.children.size(), 3u);
+        EXPECT_STREQ(Launcher.IntroPath,
+                     (stage.stagingFolder() / "000-Velmora2009.exe").string().c_str());
+        EXPECT_EQ(static_cast<const void*>(Launcher.ChildHandle), processList + 1);
+        EXPECT_EQ(Launcher.WaitResult, 1);
+    });
+}
+
 TEST(Launch, TenTimesAsksOnceForEachDevice) {
     onStage([](LauncherStage& stage) {
         pressEnter(stage, 10);
@@ -267,14 +290,17 @@ TEST(Launch, KeyHeldWhenTheScreenComesBackCountsAsAPress) {
     });
 }
 
+TEST(Launch, TakesTheRowThatUpHasReachedInTheSameSnapshot) {
+    expectRunBehind(DIK_UP, "016-Ostrik09-01.exe");
+}
 TEST(Launch, TakesTheRowThatDownHasReachedInTheSameSnapshot) {
-    onStage([](LauncherStage& stage) {
-        stage.devices.input.script({{DIK_DOWN, DIK_RETURN}, {}});
-        stage.run();
-        ASSERT_EQ(stage.children.size(), 2u);
-        EXPECT_NE(stage.children[1].commandLine.find("001-"), std::string::npos)
-            << stage.children[1].commandLine;
-    });
+    expectRunBehind(DIK_DOWN, "001-Hobnail1.exe");
+}
+TEST(Launch, TakesTheRowThatLeftHasReachedInTheSameSnapshot) {
+    expectRunBehind(DIK_LEFT, "017-Ostrik09-02.exe");
+}
+TEST(Launch, TakesTheRowThatRightHasReachedInTheSameSnapshot) {
+    expectRunBehind(DIK_RIGHT, "017-Ostrik09-02.exe");
 }
 
 TEST(Launch, SetsTheTopOfTheListAnew) {
