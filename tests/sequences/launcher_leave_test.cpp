@@ -4,6 +4,7 @@
 
 #include "input/keyboard.h"
 #include "launcher/end.h"
+#include "launcher/variables.h"
 #include "runtime/file.h"
 
 namespace {
@@ -192,6 +193,13 @@ TEST(WaysOut, EndSequenceCopesWithAProgramThatNeverStarted) {
         EXPECT_TRUE(end.calledExitProcess);
         EXPECT_EQ(end.exitCode, 0u);
         EXPECT_TRUE(stage.calls.match("HeapDestroy(null)\nExitProcess(0)"));
+    });
+}
+
+TEST(WaysOut, GiveTheVariablesExitCode) {
+    onStage([](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.ExitCode = 7; });
+        EXPECT_EQ(stage.run().exitCode, 7u);
     });
 }
 
