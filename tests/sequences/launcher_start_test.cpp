@@ -4,7 +4,11 @@
 #include "tests/support/launcher_stage.h"
 
 #include "audio/module_player.h"
+#include "display/image_decoder.h"
 #include "launcher/variables.h"
+
+#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -22,6 +26,25 @@ void expectGivesUp(LauncherStage& stage) {
     EXPECT_EQ(stage.calls.uses("GetCurrentDirectoryA"), 0) << "the staging was not begun";
     EXPECT_EQ(stage.calls.uses("CreateProcessA"), 0);
     EXPECT_EQ(stage.calls.uses("HeapDestroy"), 1) << "the end sequence ran to its end";
+}
+
+// The call that makes the block of a stored text.
+std::string blockFor(const std::filesystem::path& text) {
+    return "HeapAlloc(heap2, 1, " + std::to_string(text.string().size() + 5) + ")\n";
+}
+
+using Results = std::vector<int64_t>;
+
+// What stands in the variable for results when each step of the staging begins, and behind the
+// last of them.
+Results resultsOfTheStaging(LauncherStage& stage) {
+    Results results;
+    const auto note = [&results] { results.push_back(std::exchange(Launcher.RowIndex, 99)); };
+    for (const char* step : {"FindFirstFileA", "CreateDirectoryA", "CopyFileA", "CreateProcessA"})
+        stage.calls.before(step, 1, note);
+    stage.calls.before("IDirectSound::CreateSoundBuffer", 2, note);
+    stage.run();
+    return results;
 }
 
 } // namespace
@@ -100,7 +123,9 @@ TEST(ProgramStart, TakesEveryStepInOrder) {
                 HeapAlloc(heap2, 1, 27)
                 ...
 
-                // The payload.
+                // The payload: each path is stored behind the names that it is made of.
+                HeapAlloc(heap2, 1, 26)
+                HeapAlloc(heap2, 1, 20)
                 GetCurrentDirectoryA(260, *)
                 HeapAlloc(heap2, *)
                 GetTempPathA(260, *)
@@ -109,8 +134,8 @@ TEST(ProgramStart, TakesEveryStepInOrder) {
                 GetLongPathNameA("*\\temp\\", *, 260)
                 FreeLibrary(library4) -> 1
                 HeapAlloc(heap2, *)
-                HeapAlloc(heap2, *)
-                HeapAlloc(heap2, *)
+                )" + blockFor(stage.folder / "OstrikVelmora2009.dat") +
+                                          blockFor(stage.stagingFolder() / "BlahBlubber.exe") + R"(
                 FindFirstFileA("*\\temp\\Qev\\*.*", *) -> -1
                 FindFirstFileA("*\\OstrikVelmora2009.dat", *) -> search1
                 FindClose(search1) -> 1
@@ -233,6 +258,59 @@ TEST(ProgramStart, ReadsTheInfoFileBeforeTheCatalogueIsFilled) {
     });
 }
 
+TEST(ProgramStart, ClearsItsVariablesBeforeAnythingElse) {
+    onStage([](LauncherStage& stage) {
+        memset(&Launcher, 0xFF, sizeof Launcher);
+        stage.calls.before("HeapCreate", 1, [] {
+            const LauncherVariables none{};
+            EXPECT_EQ(memcmp(&Launcher, &none, sizeof none), 0);
+        });
+        EXPECT_TRUE(stage.run().calledExitProcess);
+    });
+}
+
+TEST(ProgramStart, ForgetsEveryImageDecoder) {
+    onStage([](LauncherStage& stage) {
+        ImageDecoders.count = 1;
+        stage.calls.before("InitCommonControls", 1, [] { EXPECT_EQ(ImageDecoders.count, 0); });
+        stage.run();
+    });
+}
+
+TEST(ProgramStart, MakesTheListOfInfoLinesBeforeTheCatalogue) {
+    onStage([](LauncherStage& stage) {
+        const void* catalogueThen = &stage;
+        stage.calls.after("IDirectSound::CreateSoundBuffer", 1, [&] {
+            stage.calls.before("HeapAlloc", 1, [&] { catalogueThen = Launcher.IntroCatalogue; });
+        });
+        stage.run();
+        EXPECT_EQ(catalogueThen, nullptr);
+    });
+}
+
+TEST(ProgramStart, KeepsEachResultOfTheStagingUntilTheNext) {
+    onStage([](LauncherStage& stage) {
+        EXPECT_EQ(resultsOfTheStaging(stage), (Results{30, 0, 1, 1, 1})) << "no folder to remove";
+    });
+}
+
+TEST(ProgramStart, KeepsTheResultOfASelfExtractorThatCannotBeStarted) {
+    onStage([](LauncherStage& stage) {
+        stage.missing = "BlahBlubber";
+        EXPECT_EQ(resultsOfTheStaging(stage), (Results{30, 0, 1, 1, 0}));
+    });
+}
+
+TEST(ProgramStart, BuildsTheStagingFoldersPathBehindItsTerminator) {
+    onStage([](LauncherStage& stage) {
+        stage.calls.before("CreateDirectoryA", 1, [&stage] {
+            const size_t length = stage.stagingFolder().string().size() + 1; // with the backslash
+            EXPECT_EQ(TextPosition, static_cast<int64_t>(length) + 1);
+        });
+        stage.run();
+    });
+}
+
 TEST(ProgramStart, WithoutTheWindowAsksForNoDevice) {
     onStage([](LauncherStage& stage) {
         stage.calls.failAlways("RegisterClassExA", 0);
@@ -320,6 +398,7 @@ TEST(ProgramStart, TakesAnEmptyFileForTheDataFile) {
 
 TEST(ProgramStart, PlaysTheSongAsModuleZero) {
     onStage([](LauncherStage& stage) {
+        stage.calls.before("CreateProcessA", 1, [] { Launcher.ModuleNumber = 5; });
         stage.calls.before("IDirectDrawSurface7::Flip", 1, [&stage] {
             EXPECT_EQ(Launcher.ModuleNumber, 0);
             EXPECT_TRUE(stage.devices.sound.isPlaying());
@@ -333,12 +412,21 @@ TEST(ProgramStart, PlaysTheSongAsModuleZero) {
 
 TEST(ProgramStart, LaysTheMenuOutBehindThePictures) {
     onStage([](LauncherStage& stage) {
-        int64_t linesBefore = -1, linesBehind = -1;
-        stage.calls.before("CreateFontA", 3, [&] { linesBefore = Launcher.InfoPageSize; });
-        stage.calls.before("SetWindowTextA", 1, [&] { linesBehind = Launcher.InfoPageSize; });
+        int64_t linesBefore = -1;
+        stage.calls.before("CreateFontA", 3, [&] {
+            linesBefore = Launcher.InfoPageSize;
+            Launcher.MenuMode = MenuMode_Info;
+            Launcher.InfoFirstLine = 60;
+            Launcher.SelectedRow = 7;
+        });
+        LauncherVariables behind{};
+        stage.calls.before("SetWindowTextA", 1, [&] { behind = Launcher; });
         stage.run();
         EXPECT_EQ(linesBefore, 0);
-        EXPECT_EQ(linesBehind, 60);
+        EXPECT_EQ(behind.InfoPageSize, 60);
+        EXPECT_EQ(behind.MenuMode, MenuMode_Catalogue);
+        EXPECT_EQ(behind.InfoFirstLine, 0);
+        EXPECT_EQ(behind.SelectedRow, 0);
     });
 }
 
