@@ -260,6 +260,43 @@ TEST(Frame, StoresWhereEachRowWasDrawn) {
     });
 }
 
+TEST(Frame, BeginsBothColumnsWhereTheVariablesSay) {
+    onStage([](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.MenuTop = 200; });
+        stage.run();
+        EXPECT_EQ(Launcher.IntroCatalogue[0].Y, 200);
+        EXPECT_EQ(Launcher.IntroCatalogue[15].Y, 200);
+    });
+}
+
+TEST(Frame, OfTheInfoPageShowsAsManyLinesAsTheVariablesSay) {
+    onStage([](LauncherStage& stage) {
+        stage.writeFile("ostrik.nfo", numberedLines(5));
+        openInfoPage(stage);
+        stage.devices.input.rest(4);
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.InfoPageSize = 2; });
+        std::string recorded;
+        watchTexts(stage, 10, &recorded);
+        stage.run();
+        EXPECT_TRUE(linesMatch(recorded, beginning + font(3) + drawn(100, 145, "line 0", white, 0) +
+                                             drawn(100, 155, "line 1", white, 0) + end));
+    });
+}
+
+TEST(Frame, LeavesTheNumberBehindTheLastRowOrLineInTheRowIndex) {
+    onStage([](LauncherStage& stage) {
+        openInfoPage(stage);
+        stage.devices.input.rest(4);
+        int64_t behindRows = -1, behindLines = -1;
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [&] { behindRows = Launcher.RowIndex; });
+        stage.calls.before("IDirectDrawSurface7::Flip", 10,
+                           [&] { behindLines = Launcher.RowIndex; });
+        stage.run();
+        EXPECT_EQ(behindRows, 30);
+        EXPECT_EQ(behindLines, 60);
+    });
+}
+
 TEST(Frame, WithoutABackBufferDrawsNothingButStoresPlacesAndActsOnKeys) {
     onStage([](LauncherStage& stage) {
         stage.devices.input.press(DIK_DOWN);

@@ -44,6 +44,14 @@ void expectFirstLine(int lineCount, const std::vector<uint8_t>& keys, int64_t ex
         [=](LauncherStage& stage) { EXPECT_EQ(firstLineAfter(stage, lineCount, keys), expected); });
 }
 
+// Pages of ten lines instead of sixty, through 25 lines.
+void expectFirstLineInTens(const std::vector<uint8_t>& keys, int64_t expected) {
+    onStage([=](LauncherStage& stage) {
+        stage.calls.before("IDirectDrawSurface7::Flip", 1, [] { Launcher.InfoPageSize = 10; });
+        EXPECT_EQ(firstLineAfter(stage, 25, keys), expected);
+    });
+}
+
 // A key that is let go in the frame after Enter has opened the info page, which ignores it.
 void expectForgottenOnTheInfoPage(uint8_t key) {
     onStage([=](LauncherStage& stage) {
@@ -169,6 +177,13 @@ TEST(Keys, UpStepsBelowZeroComeToZero) {
         stage.calls.before("IDirectDrawSurface7::Flip", 2, [] { Launcher.InfoFirstLine = 30; });
         EXPECT_EQ(firstLineAfter(stage, 121, {DIK_LEFT, DIK_UP}), 0);
     });
+}
+
+TEST(Keys, DownTurnsAsManyLinesAsTheVariablesSay) {
+    expectFirstLineInTens({DIK_DOWN, DIK_DOWN, DIK_DOWN}, 20);
+}
+TEST(Keys, UpTurnsAsManyLinesBackAsTheVariablesSay) {
+    expectFirstLineInTens({DIK_DOWN, DIK_DOWN, DIK_UP}, 10);
 }
 
 TEST(Keys, EscapeOnTheInfoPageGoesBackAndKeepsPageAndRow) {
