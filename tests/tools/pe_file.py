@@ -1,10 +1,11 @@
-"""A reader for what the tests ask of a Windows program file: header, imports, resources."""
+"""Reads what the tests ask of a Windows program file: header, sections, imports, resources."""
 
 import struct
 from pathlib import Path
 
 IMPORTS, RESOURCES = 1, 2  # places in the table of data directories
 OPTIONAL_HEADER = 24  # behind the signature and the file header
+WRITABLE = 0x80000000  # among the flags of a section
 
 
 class PeFile:
@@ -49,6 +50,14 @@ class PeFile:
 
         return list(walk(root, ()))
 
+    def section_flags(self, offset):
+        """Of the section that holds the byte at that place in the file."""
+        for place in self._sections():
+            size, begin = struct.unpack_from("<2I", self.data, place + 16)
+            if begin <= offset < begin + size:
+                return self._number("I", place + 36)
+        raise ValueError(f"no section holds the byte {offset:#x} of the file")
+
     def _resource_entries(self, place):
         count = sum(struct.unpack_from("<2H", self.data, place + 12))
         return struct.iter_unpack("<2I", self.data[place + 16:place + 16 + 8 * count])
@@ -58,13 +67,17 @@ class PeFile:
 
     def _offset(self, address):
         """Where in the file the byte lies that is loaded to `address`."""
-        count = self._number("H", self._start + 6)
-        table = self._start + OPTIONAL_HEADER + self._number("H", self._start + 20)
-        for place in range(table, table + 40 * count, 40):
+        for place in self._sections():
             begin, size, offset = struct.unpack_from("<3I", self.data, place + 12)
             if begin <= address < begin + size:
                 return address - begin + offset
         raise ValueError(f"no section holds the address {address:#x}")
+
+    def _sections(self):
+        """Where the header of each section lies."""
+        count = self._number("H", self._start + 6)
+        table = self._start + OPTIONAL_HEADER + self._number("H", self._start + 20)
+        return range(table, table + 40 * count, 40)
 
     def _number(self, layout, place):
         return struct.unpack_from("<" + layout, self.data, place)[0]

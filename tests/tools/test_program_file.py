@@ -13,7 +13,7 @@ ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
 sys.path.insert(0, str(Path(__file__).parent))
 
-from pe_file import PeFile  # noqa: E402
+from pe_file import WRITABLE, PeFile  # noqa: E402
 
 EVERY_WINDOWS_HAS = {"comctl32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll",
                      "shell32.dll", "user32.dll", "winmm.dll"}
@@ -57,6 +57,11 @@ def test_the_manifest_asks_for_the_current_common_controls_and_nothing_else(prog
 
 def test_banner_and_module_lie_back_to_back_once(program, assets):
     assert program.data.count(assets) == 1
+
+
+def test_banner_and_module_cannot_be_written_to(program, assets):
+    flags = program.section_flags(program.data.index(assets))
+    assert not flags & WRITABLE
 
 
 def test_it_is_small_without_its_assets(program, assets):
