@@ -109,15 +109,25 @@ TEST_P(BlendTable, HoldsTheProductInWholeNumbers) {
 }
 
 // Worked out by hand: i * 256 / (65280 / j), both divisions without their remainders.
-INSTANTIATE_TEST_SUITE_P(Entries, BlendTable,
-                         testing::Values(BlendEntry{0, 1, 0}, BlendEntry{0, 256, 0},
-                                         BlendEntry{254, 1, 0}, BlendEntry{255, 1, 1},
-                                         BlendEntry{1, 254, 0}, BlendEntry{1, 255, 1},
-                                         BlendEntry{1, 256, 1}, BlendEntry{128, 128, 64},
-                                         BlendEntry{200, 3, 2}, BlendEntry{100, 200, 78},
-                                         BlendEntry{127, 129, 64}, BlendEntry{254, 256, 254},
-                                         BlendEntry{254, 255, 254}, BlendEntry{255, 255, 255},
-                                         BlendEntry{255, 256, 256}));
+INSTANTIATE_TEST_SUITE_P(
+    Entries, BlendTable,
+    testing::Values(BlendEntry{0, 1, 0}, BlendEntry{0, 256, 0}, BlendEntry{254, 1, 0},
+                    BlendEntry{255, 1, 1}, BlendEntry{1, 254, 0}, BlendEntry{1, 255, 1},
+                    BlendEntry{1, 256, 1}, BlendEntry{128, 128, 64}, BlendEntry{200, 3, 2},
+                    BlendEntry{100, 200, 78}, BlendEntry{127, 129, 64}, BlendEntry{254, 256, 254},
+                    BlendEntry{254, 255, 254}, BlendEntry{255, 255, 255}, BlendEntry{255, 256, 256},
+                    // where i * j / 255 would be one less
+                    BlendEntry{4, 191, 3}, BlendEntry{21, 97, 8}, BlendEntry{22, 243, 21},
+                    BlendEntry{8, 223, 7}));
+
+TEST_F(ScreenSubsystemInit, BuildsTheBlendTableForEveryOpenToCome) {
+    setUp();
+    Screen.blendTable[300] = -7;
+    open();
+    Screen_Close();
+    open();
+    EXPECT_EQ(Screen.blendTable[300], -7);
+}
 
 TEST_F(ScreenSubsystemInit, LeavesTheScreenClosed) {
     Screen_SubsystemInit();
