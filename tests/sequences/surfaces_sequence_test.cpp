@@ -39,6 +39,25 @@ TEST_F(SavedSurfaceSequence, EverySurfaceIsCopiedInOrderOfNumber) {
     )"));
 }
 
+TEST_F(SavedSurfaceSequence, PlainMemoryHoldsUpNoSurfaceBehindIt) {
+    first->kind = SurfaceKind_Memory;
+    Screen_SaveSurfaces();
+    EXPECT_NE(second->saved, nullptr);
+    devices.ddraw.loseSurfaces();
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(second->saved, nullptr);
+    first->kind = 0;
+}
+
+TEST_F(SavedSurfaceSequence, ACopyThatIsThereHoldsUpNoSurfaceBehindIt) {
+    calls.fail("IDirectDraw7::CreateSurface", 2, DDERR_OUTOFMEMORY);
+    Screen_SaveSurfaces();
+    EXPECT_NE(first->saved, nullptr);
+    EXPECT_EQ(second->saved, nullptr);
+    Screen_SaveSurfaces();
+    EXPECT_NE(second->saved, nullptr);
+}
+
 TEST_F(SavedSurfaceSequence, ACopyThatCannotBeMadeIsSkipped) {
     calls.fail("IDirectDraw7::CreateSurface", 1, DDERR_OUTOFMEMORY);
     calls.fail("IDirectDrawSurface7::Blt", 1, DDERR_SURFACELOST);

@@ -323,6 +323,19 @@ TEST_F(ScreenRestoreSurfaces, TakesLooseSurfaces) {
     EXPECT_EQ(drawnPixels(record), allPixels);
 }
 
+// A loose record is walked to from its claim on, before anything stands in it.
+TEST_F(ScreenRestoreSurfaces, PassesOverALooseRecordThatIsStillEmpty) {
+    void* empty = Registry_Claim(Screen.surfaces, ObjectId_Any);
+    ScreenSurface* record = make(ObjectId_Any);
+    draw(record);
+    Screen_SaveSurfaces();
+    EXPECT_NE(record->saved, nullptr);
+    devices.ddraw.loseSurfaces();
+    Screen_RestoreSurfaces();
+    EXPECT_EQ(drawnPixels(record), allPixels);
+    Registry_Release(Screen.surfaces, reinterpret_cast<ObjectId>(empty));
+}
+
 // --- Freeing ---
 
 using ScreenFreeSurfaceTest = SurfacesTest;
