@@ -94,6 +94,23 @@ TEST_F(ScreenOpen, ActivatesAndLeavesTheLossNotice) {
     EXPECT_EQ(Screen.lostNotified, 1);
 }
 
+TEST_F(ScreenOpen, ActivatesThoughTheUserSwitchesAwayAsTheWindowIsShown) {
+    setUp();
+    calls.after("ShowWindow", 1, [this] { devices.switchAway(false); });
+    EXPECT_EQ(Screen_Open(w, h, 16, ""), 1);
+    EXPECT_EQ(Screen.active, 1);
+    EXPECT_EQ(Screen.lostNotified, 1);
+}
+
+TEST_F(ScreenOpen, CanBePresentedOnlyOnceItsBuffersAreClear) {
+    setUp();
+    bool wasPresentable = true;
+    calls.before("IDirectDraw7::GetMonitorFrequency", 1,
+                 [&] { wasPresentable = Screen.present != nullptr; });
+    Screen_Open(w, h, 16, "");
+    EXPECT_FALSE(wasPresentable);
+}
+
 TEST_F(ScreenOpen, HandsTheRefreshRateOn) {
     setUp();
     Screen.refreshRate = 72;
