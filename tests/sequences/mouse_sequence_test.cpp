@@ -169,6 +169,29 @@ TEST_F(MouseSequence, OfAPollAndLettingGoOnAWindowedScreen) {
     )"));
 }
 
+TEST_F(MouseSequence, OfAPollOnAWindowedScreenInTheBackground) {
+    setUp();
+    makeWindowed();
+    devices.desktop->foreground = nullptr;
+    Mouse_Poll();
+    EXPECT_TRUE(calls.match(R"(
+        GetForegroundWindow() -> null
+        ClipCursor(null)
+        IDirectInputDevice7A::Unacquire(device1)
+    )"));
+}
+
+TEST_F(MouseSequence, OfAPollOnAWindowedScreenWhileTheMouseIsReleased) {
+    setUp();
+    makeWindowed();
+    Mouse.releasedByProgram = 1;
+    Mouse_Poll();
+    EXPECT_TRUE(calls.match(R"(
+        ClipCursor(null)
+        IDirectInputDevice7A::Unacquire(device1)
+    )"));
+}
+
 class IgnoredByMouse : public MouseSequence, public testing::WithParamInterface<const char*> {};
 
 TEST_P(IgnoredByMouse, GoesOnOnAWindowedScreenAsIfTheCallHadSucceeded) {

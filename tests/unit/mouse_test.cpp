@@ -296,6 +296,8 @@ TEST_F(MousePoll, AcquiresAgainWhenTheDeviceWasLost) {
     EXPECT_EQ(Mouse.lastResult, DIERR_INPUTLOST);
     EXPECT_EQ(calls.uses("IDirectInputDevice7A::Acquire"), 2);
     EXPECT_EQ(Mouse_Poll(), 1);
+    EXPECT_EQ(Mouse.acquireState, MouseState_Acquired);
+    EXPECT_EQ(calls.uses("IDirectInputDevice7A::SetCooperativeLevel"), 1);
 }
 
 TEST_F(MousePoll, AcquiresAgainWhenTheDeviceIsNotAcquired) {
@@ -305,6 +307,8 @@ TEST_F(MousePoll, AcquiresAgainWhenTheDeviceIsNotAcquired) {
     EXPECT_EQ(Mouse.lastResult, DIERR_NOTACQUIRED);
     EXPECT_EQ(calls.uses("IDirectInputDevice7A::Acquire"), 2);
     EXPECT_EQ(Mouse_Poll(), 1);
+    EXPECT_EQ(Mouse.acquireState, MouseState_Acquired);
+    EXPECT_EQ(calls.uses("IDirectInputDevice7A::SetCooperativeLevel"), 1);
 }
 
 TEST_F(MousePoll, DoesNotAcquireAgainOnceTheScreenHasGoneInactive) {
@@ -393,8 +397,9 @@ TEST_F(MousePoll, GetsBackByWayOfAReadThatFails) {
     Screen.active = 1;
     EXPECT_EQ(Mouse_Poll(), 0);
     EXPECT_EQ(Mouse.lastResult, DIERR_NOTACQUIRED);
-    EXPECT_EQ(calls.uses("IDirectInputDevice7A::SetCooperativeLevel"), 1);
     EXPECT_EQ(Mouse_Poll(), 1);
+    EXPECT_EQ(Mouse.acquireState, MouseState_Acquired);
+    EXPECT_EQ(calls.uses("IDirectInputDevice7A::SetCooperativeLevel"), 1);
 }
 
 TEST_F(MousePoll, LetsGoWhileTheProgramHasReleasedTheMouse) {
