@@ -101,6 +101,14 @@ TEST_F(WindowFocus, LostLetsGoOfTheMouseAfterPresentingHasStopped) {
     EXPECT_TRUE(calls.match("")) << "it is not taken back here";
 }
 
+TEST_F(WindowFocus, OfAWindowedScreenLeavesTheMouseAlone) {
+    Mouse_SubsystemInit();
+    calls.take();
+    Screen.windowed = 1;
+    activate(WA_INACTIVE);
+    EXPECT_TRUE(calls.match(""));
+}
+
 TEST_F(WindowFocus, LostWithoutAMouseCallsNothing) {
     activate(WA_INACTIVE);
     EXPECT_TRUE(calls.match(""));
@@ -127,6 +135,16 @@ TEST_P(SwitchKey, GoingUpAgainSavesNothing) {
     activate(WA_INACTIVE);
     EXPECT_EQ(saves, 1) << "nor does the switch itself";
     expectState(0, 1);
+}
+
+TEST_P(SwitchKey, GoingUpLeavesTheMouseToTheSwitchItself) {
+    Mouse_SubsystemInit();
+    calls.name(Mouse.device, "mouse");
+    calls.take();
+    letGo();
+    EXPECT_TRUE(calls.match(""));
+    activate(WA_INACTIVE);
+    EXPECT_TRUE(calls.match("IDirectInputDevice7A::Unacquire(mouse)"));
 }
 
 TEST_P(SwitchKey, GoingUpAfterTheNextActivationSavesAgain) {
