@@ -130,14 +130,15 @@ TEST(PackedDib, IsReadUnderAPaletteWhereOneIsGiven) {
     const TestPicture picture(1, {red});
     CallRecorder calls;
     calls.name(palette, "given");
+    calls.name(GetStockObject(DEFAULT_PALETTE), "usual");
     const Packed packed(picture.gdi(), palette);
     EXPECT_TRUE(calls.match(R"(
         ...
         GetDC(null) -> dc1
-        SelectPalette(dc1, given, 1) -> *
+        SelectPalette(dc1, given, 1) -> usual
         RealizePalette(dc1)
         GetDIBits(dc1, *)
-        SelectPalette(dc1, *, 1) -> given
+        SelectPalette(dc1, usual, 1) -> given
         RealizePalette(dc1)
         ReleaseDC(null, dc1)
     )"));
