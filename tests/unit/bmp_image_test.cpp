@@ -2,6 +2,8 @@
 
 #include "tests/support/image_fixture.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr COLORREF red = 0x0000FF;
@@ -56,9 +58,26 @@ TEST_F(BmpImage, IsMadeCallByCall) {
 }
 
 TEST_F(BmpImage, TakesItsRowsFromWhereTheFileSays) {
-    BmpFile file{.width = 1, .height = 1, .rows = {255, 0, 0, 0}, .gap = 300};
-    const int64_t handle = Image_FromMemory(0, file.build().data());
-    EXPECT_EQ(Canvas(bitmapOf(handle)).at(0, 0), blue);
+    for (const uint32_t gap : {300, 70000}) {
+        BmpFile file{.width = 1, .height = 1, .rows = {255, 0, 0, 0}, .gap = gap};
+        const int64_t handle = Image_FromMemory(0, file.build().data());
+        EXPECT_EQ(Canvas(bitmapOf(handle)).at(0, 0), blue) << gap;
+    }
+}
+
+TEST_F(BmpImage, TakesTheOffsetOfItsRowsWithoutASign) {
+    std::vector<uint8_t> file = smallBmp();
+    const uint32_t farAway = 0xFFFFFFF0;
+    memcpy(&file[10], &farAway, sizeof farAway);
+    uint64_t rows = 0;
+    CallRecorder calls;
+    calls.replace<hook::SetDIBits>(
+        [&rows](HDC, HBITMAP, UINT, UINT lines, const void* bits, const BITMAPINFO*, UINT) {
+            rows = reinterpret_cast<uint64_t>(bits);
+            return static_cast<int>(lines);
+        });
+    Image_FromMemory(0, file.data());
+    EXPECT_EQ(rows - reinterpret_cast<uint64_t>(file.data()), farAway);
 }
 
 TEST_F(BmpImage, OfEightBitsTakesItsColoursFromTheTable) {
@@ -105,6 +124,18 @@ TEST_F(BmpImage, WiderThanSixteenBitsReadsBackNegative) {
     EXPECT_EQ(Image_Height(0), 32767);
     load(1, 32769, 4 * 32769);
     EXPECT_EQ(Image_Height(0), -32767);
+}
+
+TEST_F(BmpImage, WiderThanSixteenBitsIsMadeAsWideAsItIs) {
+    const BmpFile file{.width = 65537,
+                       .height = 1,
+                       .bits = 1,
+                       .palette = {0, 0xFFFFFF},
+                       .rows = std::vector<uint8_t>(8196)};
+    CallRecorder calls;
+    calls.only({"CreateDIBSection"});
+    Image_FromMemory(0, file.build().data());
+    EXPECT_TRUE(calls.match("CreateDIBSection(*, {40, 65537, 1, 1, 32, 0}, 0, *, null, 0)"));
 }
 
 TEST_F(BmpImage, InTheDisplaysFormIsACompatibleBitmap) {
