@@ -136,6 +136,12 @@ TEST(IconEntryChoice, NeverTakesFewerColours) {
     EXPECT_EQ(chosenColour({{.colour = 1, .listedBits = 8}, {.colour = 2, .listedBits = 4}}), 1u);
 }
 
+TEST(IconEntryChoice, CountsNoPlanes) {
+    EXPECT_EQ(
+        chosenColour({{.colour = 1, .listedBits = 8}, {.colour = 2, .planes = 4, .listedBits = 4}}),
+        1u);
+}
+
 TEST(IconEntryChoice, KeepsToTheFirstEntrysSizeHoweverLargeTheOthers) {
     EXPECT_EQ(chosenColour({{.width = 16, .height = 16, .colour = 1, .listedBits = 4},
                             {.width = 32, .height = 32, .colour = 2, .listedBits = 32}}),
@@ -279,6 +285,17 @@ TEST(IconFromMemory, GivesNothingWhenBothTriesFail) {
     calls.fail("CreateIconFromResource", 1, 0);
     EXPECT_EQ(Icon_FromMemory(file.data()), nullptr);
     EXPECT_EQ(calls.live("global"), 0u);
+}
+
+TEST(IconFromMemory, GivesAnEntryOfAnyOtherDepthItsSecondTry) {
+    for (const uint16_t bits : std::initializer_list<uint16_t>{1, 4, 8, 15, 24, 32}) {
+        const std::vector<uint8_t> file = headerFile(header(bits, 16, 32));
+        CallRecorder calls;
+        calls.fail("CreateIconFromResourceEx", 1, 0);
+        calls.fail("CreateIconFromResource", 1, 0);
+        EXPECT_EQ(Icon_FromMemory(file.data()), nullptr);
+        EXPECT_EQ(calls.uses("CreateIconFromResource"), 1) << bits << " bits";
+    }
 }
 
 TEST(IconFromMemory, GivesASixteenBitEntryNoSecondTry) {
