@@ -61,6 +61,18 @@ TEST_F(DirectDraw, IsLoadedAnewAfterItsLastUser) {
     DirectDraw_Release();
 }
 
+TEST_F(DirectDraw, StaysWhereItWasReleasedTooOften) {
+    DirectDraw_Release();
+    DirectDraw_Acquire();
+    DirectDraw_Release();
+    EXPECT_NE(Screen.ddraw, nullptr) << "the count is below 0, not at it";
+    EXPECT_EQ(Screen.ddrawUsers, -1);
+    DirectDraw_Acquire();
+    DirectDraw_Acquire();
+    DirectDraw_Release();
+    EXPECT_EQ(Screen.ddraw, nullptr);
+}
+
 // A failed attempt counts its user, too, and giving that user back releases nothing.
 void expectUserOfNothing(CallRecorder& calls) {
     EXPECT_EQ(Screen.ddraw, nullptr);
