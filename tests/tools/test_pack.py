@@ -15,7 +15,8 @@ sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests" / "desk"), str(Path(__fi
 
 from catalogue import INTRO_FILES, ROWS  # noqa: E402
 from desk import Desk  # noqa: E402
-from desk.menu import DATA_NAME, PROGRAM_NAME, STAGED_NAME, Menu, highlighted_row  # noqa: E402
+from desk.gallery import wait_shown  # noqa: E402
+from desk.menu import DATA_NAME, PROGRAM_NAME, STAGED_NAME, Menu  # noqa: E402
 from pe_file import PeFile  # noqa: E402
 
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
@@ -174,6 +175,7 @@ def is_lit(pixels):
 
 
 def start_intro(desk):
+    desk.wait_picture(lambda pixels: not is_lit(pixels), "the last intro's picture to go")
     program = desk.start(BUILD / "sample_pack" / SHOWN, BUILD)
     desk.wait_picture(is_lit, "the intro's picture")
     desk.screen.focus_top_window()
@@ -211,8 +213,7 @@ def test_an_escape_held_for_long_does_not_end_the_menu_behind(tmp_path):
         menu = Menu(desk, tmp_path).wait_up()
         menu.wait_unpacked()
         menu.press("Return")
-        desk.wait_picture(lambda pixels: is_lit(pixels) and highlighted_row(pixels) is None,
-                          "the intro's picture")
+        wait_shown(desk, SHOWN)
         desk.screen.focus_top_window()
         desk.screen.key_down("Escape")
         desk.wait_picture(lambda pixels: not is_lit(pixels), "darkness")

@@ -24,10 +24,7 @@ def show(menu, row, name, seconds=0.0):
     """Runs the intro of the selected row and leaves it again. Gives a Shot of it, the later
     picture taken when it has moved and `seconds` have passed; the menu is then back."""
     menu.press("Return")
-    wait_until(lambda: name in menu.desk.program_names(), f"{name} to run")
-    first = menu.desk.wait_picture(
-        lambda pixels: highlighted_row(pixels) is None and _count(pixels) > SHOWN_PIXELS,
-        f"a picture of {name}")
+    first = wait_shown(menu.desk, name)
     time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
     later = menu.desk.wait_picture(lambda pixels: _count(pixels != first) > MOVED_PIXELS,
                                    f"movement in the picture of {name}")
@@ -35,6 +32,15 @@ def show(menu, row, name, seconds=0.0):
     menu.desk.screen.tap("Escape")
     menu.wait_up(row)
     return Shot(row, name, first, later)
+
+
+def wait_shown(desk, name):
+    """Waits until the intro shows a picture, and gives it. The menu's own picture on its way out,
+    half of it black already, is none: the intro is started behind that."""
+    wait_until(lambda: name in desk.program_names(), f"{name} to run")
+    return desk.wait_picture(
+        lambda pixels: highlighted_row(pixels) is None and _count(pixels) > SHOWN_PIXELS,
+        f"a picture of {name}")
 
 
 def walk(menu, names, seconds=0.0):
