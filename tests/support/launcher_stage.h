@@ -7,10 +7,10 @@
 //         });
 //     }
 //
-// Each stage is a child process of its own, with a folder of its own that holds a data file and no
-// info file and is the current one, and with a temp folder of its own in it. Children that the
-// launcher starts are not real: they "run" inside of CreateProcessA and have ended behind it. Once
-// the script of keys has been played, Escape is pressed until the program ends.
+// Each stage has a folder of its own, which holds a data file and no info file and is the current
+// one, and a temp folder of its own in it. Children that the launcher starts are not real: they
+// "run" inside of CreateProcessA and have ended behind it. Once the script of keys has been played,
+// Escape is pressed until the program ends.
 #pragma once
 
 #include "tests/support/call_recorder.h"
@@ -73,9 +73,10 @@ private:
                     const STARTUPINFOA& info, PROCESS_INFORMATION* made);
 };
 
-// Runs the scenario on a stage in a process of its own: for one that may hang or die in there.
+// Runs the scenario on a stage. The program's variables are as at its start, since every test is a
+// process: one use a test.
+void onStage(const std::function<void(LauncherStage&)>& scenario);
+
+// The same in a new process: for a scenario that hangs or dies in there.
 ChildReport reportFromStage(const std::function<void(LauncherStage&)>& scenario,
                             std::chrono::milliseconds busyLimit = std::chrono::seconds(30));
-
-// The same for one that must end well.
-void onStage(const std::function<void(LauncherStage&)>& scenario);

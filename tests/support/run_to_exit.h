@@ -9,6 +9,5 @@ struct ProgramEnd {
 };
 
 // Runs `program` on a thread of its own, which ends where it calls ExitProcess; take() and match()
-// give that thread's calls. The program's variables stay as they are left: run it once a process,
-// as runInChild does.
+// give that thread's calls. The program's variables stay as they are left: run it once a test.
 ProgramEnd runToExit(CallRecorder& calls, const std::function<void()>& program);
