@@ -81,8 +81,8 @@ public:
         nameAddress(reinterpret_cast<uint64_t>(value), text);
     }
 
-    // Also writes every call to the standard output as it begins: for a run that will not come
-    // back.
+    // Also writes every call of take()'s thread to the standard output as it begins: for a run that
+    // will not come back.
     void echo();
 
     // The thread whose calls take() gives; at first the one that made the recorder.

@@ -36,9 +36,10 @@ bool isRecorded(const CallSite& site) {
 }
 
 // By the real function: this program's own calls of it come by a hook, too.
+bool isFollowedThread() { return hook::GetCurrentThreadId::real() == recording.followedThread; }
+
 std::vector<RecordedLine>& linesOfThisThread() {
-    const DWORD thread = hook::GetCurrentThreadId::real();
-    return thread == recording.followedThread ? recording.lines : recording.otherThreads;
+    return isFollowedThread() ? recording.lines : recording.otherThreads;
 }
 
 std::string lineText(const CallSite& site, const ShownArguments& arguments) {
@@ -49,7 +50,7 @@ std::string lineText(const CallSite& site, const ShownArguments& arguments) {
 }
 
 void echoLine(const std::string& text) {
-    if (!recording.isEchoing)
+    if (!recording.isEchoing || !isFollowedThread())
         return;
     printf("%s\n", text.c_str());
     fflush(stdout);

@@ -1,6 +1,7 @@
 #include "tests/support/call_recorder.h"
 
 #include "tests/support/call_hooks.h"
+#include "tests/support/child_run.h"
 #include "tests/support/import_table.h"
 #include "tests/support/line_difference.h"
 
@@ -236,6 +237,22 @@ TEST(CallRecorder, KeepsOtherThreadsApart) {
         CloseHandle(thread1) -> 1
     )"));
     EXPECT_EQ(calls.takeOtherThreads(), Lines{"Sleep(0)"});
+}
+
+// Where the followed thread dies, its last call stands last, whatever another thread does then.
+TEST(CallRecorder, EchoesTheFollowedThreadAlone) {
+    const ChildReport child = runInChild([] {
+        CallRecorder calls;
+        HANDLE thread = CreateThread(nullptr, 0, sleepOnce, nullptr, CREATE_SUSPENDED, nullptr);
+        calls.echo();
+        Sleep(1);
+        ResumeThread(thread);
+        WaitForSingleObject(thread, INFINITE);
+        EXPECT_EQ(calls.uses("Sleep"), 2);
+    });
+    EXPECT_TRUE(child.succeeded());
+    EXPECT_NE(child.output.find("\r\nSleep(1)\r\n"), std::string::npos) << child.output;
+    EXPECT_EQ(child.output.find("Sleep(0)"), std::string::npos) << child.output;
 }
 
 TEST(CallRecorder, IsNotDisturbedByTheTestsOwnMemory) {
