@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -71,15 +72,21 @@ PixelMemory::~PixelMemory() {
 
 void PixelMemory::fill(DWORD pixel) {
     const size_t bytes = depth / 8;
-    for (DWORD y = 0; y < height; ++y)
-        for (DWORD x = 0; x < width; ++x)
-            memcpy(bits + y * pitch + x * bytes, &pixel, bytes);
+    for (DWORD x = 0; x < width; ++x)
+        memcpy(bits + x * bytes, &pixel, bytes);
+    for (DWORD y = 1; y < height; ++y)
+        memcpy(bits + size_t{y} * pitch, bits, width * bytes);
 }
 
 void PixelMemory::spoil() { memset(bits, StandInDDraw::undefinedPixels, size_t{pitch} * height); }
 
 void PixelMemory::swapWith(PixelMemory& other) {
-    std::swap_ranges(bits, bits + size_t{pitch} * height, other.bits);
+    std::vector<uint8_t> row(pitch);
+    for (size_t at = 0; at < size_t{pitch} * height; at += pitch) {
+        memcpy(row.data(), bits + at, pitch);
+        memcpy(bits + at, other.bits + at, pitch);
+        memcpy(other.bits + at, row.data(), pitch);
+    }
 }
 
 COLORREF PixelMemory::colorAt(int x, int y) const {
