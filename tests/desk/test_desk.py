@@ -1,6 +1,8 @@
 """The headless desk itself, tried with a program that is not the menu."""
 
+import json
 import os
+import signal
 import subprocess
 from pathlib import Path
 
@@ -108,15 +110,47 @@ def test_a_desk_leaves_nothing_behind_when_its_user_fails(tmp_path, helpers):
     assert not private.exists()
 
 
-def test_a_session_that_is_told_to_end_tidies_up(tmp_path):
-    """As the test runner does at a time limit: the command's own folder must not stay."""
+@pytest.fixture
+def session(tmp_path):
+    """Starts a session that waits. Gives its process and its environment."""
     place = tmp_path / "place"
-    session = subprocess.Popen([ROOT / "tools" / "desk-session", "bash", "-c",
-                                f'echo "$XDG_RUNTIME_DIR" > {place}; exec sleep 600'])
-    wait_until(lambda: place.exists() and place.read_text().endswith("\n"), "the session")
-    folder = Path(place.read_text().strip())
+    running = subprocess.Popen([ROOT / "tools" / "desk-session", "bash", "-c",
+                                f"env > {place}.part; mv {place}.part {place}; exec sleep 600"],
+                               preexec_fn=lambda: os.sched_setaffinity(0, range(os.cpu_count())))
+    wait_until(place.exists, "the session")
+    yield running, dict(line.split("=", 1) for line in place.read_text().splitlines())
+    running.terminate()
+    running.wait(30)
+
+
+def test_a_session_that_is_told_to_end_tidies_up(session):
+    """As the test runner does at a time limit: the command's own folder must not stay."""
+    running, environment = session
+    folder, places = Path(environment["XDG_RUNTIME_DIR"]), Path(environment["DESK_SESSION"])
     assert processes_naming(folder), "screen and sound of the session"
-    session.terminate()
-    assert session.wait(30) != 0
+    running.terminate()
+    assert running.wait(30) != 0
     assert not processes_naming(folder)
     assert not folder.exists()
+    assert not places.exists()
+
+
+def test_a_test_runs_on_the_processor_that_it_was_given_and_on_the_desk_there(session, helpers):
+    _, environment = session
+    resources = json.loads((BUILD / "desk" / "processors.json").read_text())
+    given = [processor["id"] for processor in resources["local"][0]["processors"]]
+    assert len(given) == min(os.cpu_count(), 2)
+    for processor in given:
+        prefix = subprocess.check_output(
+            ["bash", "-c", f'. "$DESK_SESSION/{processor}"; echo "$WINEPREFIX"'], env=environment)
+        drive_c = Path(os.fsdecode(prefix.strip())) / "drive_c"
+        (drive_c / "probe").mkdir()
+        runner = subprocess.Popen(
+            [ROOT / "tools" / "wine-run", helpers.probe, drive_c],
+            env={**environment, "CTEST_RESOURCE_GROUP_0_PROCESSORS": f"id:{processor},slots:1"})
+        wait_until((drive_c / "probe" / "run-001.txt").exists, "the program's report on its desk")
+        program, = (int(process) for process in processes_naming(drive_c)
+                    if Path(f"/proc/{process}/comm").read_text() == "probe.exe\n")
+        assert os.sched_getaffinity(program) == {int(processor)}
+        os.kill(program, signal.SIGKILL)
+        runner.wait(30)

@@ -13,6 +13,7 @@ from changes import changes_of
 
 TREE = Path(__file__).resolve().parents[2]
 WORK = TREE / "build" / "sharpness"
+SESSION_PROCESSORS = TREE / "build" / "desk" / "processors.json"
 COPY = WORK / "tree"
 BUILD = WORK / "build"
 ROOMS = ("runtime", "display", "input", "audio", "desktop", "launcher")
@@ -118,7 +119,7 @@ def tests_pass(programs):
     # Each program is asked for its tests when ctest starts, so one that cannot even do that fails.
     theirs = "^(" + "|".join(programs) + ")\\."
     return run("ctest", "--test-dir", BUILD, "-R", theirs, "--no-tests=error", "--stop-on-failure",
-               "-j2").returncode == 0
+               "-j4", "--resource-spec-file", SESSION_PROCESSORS).returncode == 0
 
 
 def run(*command):

@@ -1,49 +1,28 @@
-"""Commands that keep to one processor each."""
+"""Commands that keep to the processor that ctest gives to their test."""
 
 import os
 import subprocess
 from pathlib import Path
 
-import pytest
-
-TOOL = Path(__file__).resolve().parents[2] / "tools" / "one-processor"
-PRINT_PROCESSORS = ["/usr/bin/python3", "-c",
-                    "import os, sys\n"
-                    "print(*sorted(os.sched_getaffinity(0)), flush=True)\n"
-                    "sys.stdin.read()"]
+TOOLS = Path(__file__).resolve().parents[2] / "tools"
+PRINT_PROCESSORS = ["/usr/bin/python3", "-c", "import os; print(*os.sched_getaffinity(0))"]
+GIVEN = "CTEST_RESOURCE_GROUP_0_PROCESSORS"
 
 
-@pytest.fixture
-def start(tmp_path):
-    """Starts a command that prints its processors and waits. Gives it, and the processors."""
-    started = []
-
-    def start_one():
-        command = subprocess.Popen(
-            [TOOL, *PRINT_PROCESSORS], text=True, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-            env={**os.environ, "TMPDIR": str(tmp_path)},
-            preexec_fn=lambda: os.sched_setaffinity(0, range(os.cpu_count())))
-        started.append(command)
-        return command, [int(number) for number in command.stdout.readline().split()]
-    yield start_one
-    for command in started:
-        end(command)
+def processors_of_a_command(given):
+    """Where tools/one-processor runs a command when it may run anywhere and ctest gave `given`."""
+    environment = {name: value for name, value in os.environ.items() if name != GIVEN}
+    printed = subprocess.run(
+        [TOOLS / "one-processor", *PRINT_PROCESSORS], check=True, text=True, capture_output=True,
+        env={**environment, **given},
+        preexec_fn=lambda: os.sched_setaffinity(0, range(os.cpu_count()))).stdout
+    return {int(number) for number in printed.split()}
 
 
-def end(command):
-    command.stdin.close()
-    command.wait()
-    command.stdout.close()
+def test_a_command_has_the_processor_that_its_test_was_given():
+    for number in range(os.cpu_count()):
+        assert processors_of_a_command({GIVEN: f"id:{number},slots:2"}) == {number}
 
 
-def test_each_has_a_processor_for_itself_as_far_as_they_go(start):
-    count = os.cpu_count()
-    own = [start()[1] for _ in range(count)]
-    assert sorted(own) == [[number] for number in range(count)]
-    assert start()[1] == list(range(count)), "none is left: it runs anywhere"
-
-
-def test_a_processor_is_free_again_when_its_command_has_ended(start):
-    command, first = start()
-    end(command)
-    assert start()[1] == first
+def test_a_command_runs_anywhere_where_none_was_given():
+    assert processors_of_a_command({}) == set(range(os.cpu_count()))

@@ -57,8 +57,8 @@ class Program:
         return (self.cpu_seconds() - used) / (time.monotonic() - begin)
 
     def pauses(self):
-        """How often the main thread has given up the processor so far. It does so several times
-        a frame, which makes this a clock that stands still when the program does."""
+        """How often the main thread has given up the processor so far. It does so four or five
+        times a frame, which makes this a clock that stands still when the program does."""
         try:
             status = Path(f"/proc/{self.pid}/task/{self.pid}/status").read_text()
         except OSError:
@@ -66,7 +66,7 @@ class Program:
         return next(int(line.split()[1]) for line in status.splitlines()
                     if line.startswith("voluntary_ctxt_switches"))
 
-    def let_run(self, seconds=0.08, pauses=40):
+    def let_run(self, seconds=0.08, pauses=20):
         """Lets time pass for the program: both by the clock and by what it got to do itself."""
         end, target = time.monotonic() + seconds, self.pauses() + pauses
         wait_until(lambda: time.monotonic() >= end and (not self.alive() or
