@@ -13,6 +13,7 @@ SURE = RATE // 2  # frames; a shorter piece could be found in the song by chance
 STEP = 2 * RATE   # frames that are looked for at once
 SKIP = RATE       # frames that may be lost where the sound server was kept waiting
 CLICK = RATE // 1000  # a shorter silence is none: the sound server plays more than that at once
+AHEAD = RATE // 10    # what the sound server has at hand when nothing more comes
 
 # What a recording holds of the song: the frames at which its sound begins and ends there, how many
 # frames were compared, how many of them differ by more than rounding, how alike the least alike
@@ -26,8 +27,9 @@ def follow(heard, song):
 
     Where a busy machine keeps the sound server waiting it plays digital silence, and the song goes
     on behind it. So the pieces between such silences are looked for one by one, each behind the one
-    before. A player that is late is heard as older music, and on its buffer's first lap alone as
-    silence, which then begins where the halves meet: whoever asks looks at the gaps."""
+    before. Now and then a moment of the song is lost already shortly before the silence. A player
+    that is late is heard as older music, and on its buffer's first lap alone as silence, which then
+    begins where the halves meet: whoever asks looks at the gaps."""
     silence = max(CLICK, longest_silence(song[sounding(song)[0]:]))
     begin, end, judged, wrong, alike, gaps, unsure = None, 0, 0, 0, 1.0, [], 0
     for piece in pieces_between(heard, silence):
@@ -41,13 +43,31 @@ def follow(heard, song):
             gaps.append(end)
             place = end + find_place(piece[:STEP], song[end:end + unsure + SKIP + STEP])
         piece = piece[:len(song) - place]
-        end, unsure = place + len(piece), 0
+        faithful = frames_before_a_loss(piece, song[place:])
+        piece, unsure = piece[:faithful], len(piece) - faithful
+        end = place + len(piece)
         judged += len(piece)
-        difference = numpy.abs(piece - song[place:end].astype(int)).max(axis=1)
-        wrong += int((difference > ROUNDING).sum())
+        wrong += len(wrong_frames(piece, song[place:end]))
         alike = min(alike, likeness(piece, song[place:end]))
     assert begin is not None, "the song is not heard"
     return Followed(begin, end + unsure, judged, wrong, alike, gaps)
+
+
+def wrong_frames(heard, song):
+    """Which frames of two pieces of the same length differ by more than rounding."""
+    return numpy.nonzero(numpy.abs(heard - song.astype(int)).max(axis=1) > ROUNDING)[0]
+
+
+def frames_before_a_loss(piece, song):
+    """How much of `piece` lies before the place, close to its end, from where on it is the song of
+    a later moment without any fault; all of it without such a place."""
+    wrong = wrong_frames(piece, song[:len(piece)])
+    rest = piece[wrong[0]:] if len(wrong) else piece[:0]
+    if not CLICK < len(rest) <= AHEAD:
+        return len(piece)
+    later = song[wrong[0]:wrong[0] + SKIP + len(rest)]
+    place = find_place(rest, later)
+    return len(piece) if len(wrong_frames(rest, later[place:place + len(rest)])) else int(wrong[0])
 
 
 def find_place(heard, song):

@@ -51,6 +51,30 @@ def test_what_the_sound_server_lost_is_missing_and_not_wrong(heard, song):
     assert (found.judged, found.wrong) == (6 * RATE - lost, 0)
 
 
+def test_what_was_lost_shortly_before_a_silence_is_missing_and_not_wrong(heard, song):
+    lost, left, silent = 182, 1900, 2 * RATE
+    heard = with_silence(heard, silent, 1000)
+    found = follow(numpy.delete(heard, slice(silent - left - lost, silent - left), axis=0), song)
+    assert (found.begin, found.end) == (START, START + 6 * RATE)
+    assert (found.judged, found.wrong) == (6 * RATE - lost - left, 0)
+    assert found.gaps == [START + silent - left - lost]
+
+
+def test_what_was_lost_long_before_a_silence_is_a_click(heard, song):
+    heard = with_silence(heard, 2 * RATE, 1000)
+    assert follow(numpy.delete(heard, slice(RATE, RATE + 182), axis=0), song).wrong > RATE // 2
+
+
+def test_a_click_shortly_before_a_silence_is_wrong(heard, song):
+    heard[2 * RATE - 1900:2 * RATE - 1890] = 0
+    assert follow(with_silence(heard, 2 * RATE, 1000), song).wrong > 0
+
+
+def test_older_music_shortly_before_a_silence_is_wrong(heard, song):
+    heard[2 * RATE - 1900:2 * RATE] = heard[RATE - 1900:RATE]
+    assert follow(with_silence(heard, 2 * RATE, 1000), song).wrong > 1800
+
+
 def test_pieces_too_short_to_be_found_count_for_begin_and_end_alone(heard, song):
     short = RATE // 10
     found = follow(with_silence(with_silence(heard, 6 * RATE - short, 1000), short, 1000), song)

@@ -8,7 +8,7 @@ from helpers import launch
 from listening import follow, render_song, sounding
 
 HALF = 25600           # frames in half of the player's buffer
-BORDER = RATE // 50    # frames around the place where one half ends and the other begins
+BORDER = RATE // 1000  # around the place where the halves meet; a player that is late stops on it
 SONG_PIECES = 118      # halves rendered for comparison, 68 s: from 69 s on the song repeats itself
 OPENING = RATE // 10   # what the sound server may swallow while it opens a stream
 
