@@ -7,6 +7,7 @@ import numpy
 from PIL import Image, ImageDraw
 
 from .menu import INTRO_ROWS, highlighted_row
+from .screen import lit_pixels
 from .waiting import wait_until
 
 COLUMNS = 7
@@ -52,9 +53,7 @@ def walk(menu, names, seconds=0.0):
 
 def thumbnail(shot):
     """The intro without the black around it, on a ground of the thumbnail's size."""
-    lit = shot.later.any(axis=2) | shot.first.any(axis=2)
-    lit[-4:, -4:] = False  # the mouse pointer
-    rows, columns = numpy.nonzero(lit)
+    rows, columns = numpy.nonzero(lit_pixels(shot.later) | lit_pixels(shot.first))
     used = shot.later[rows.min():rows.max() + 1, columns.min():columns.max() + 1]
     picture = Image.fromarray(used)
     picture.thumbnail(THUMBNAIL)

@@ -8,6 +8,15 @@ import numpy
 
 from .waiting import DeskError, wait_until
 
+POINTER_CORNER = 16  # pixels: an arrow's hot spot may lie eight of them inside the arrow
+
+
+def lit_pixels(pixels):
+    """Which pixels are not black. The corner in which the mouse pointer rests does not count."""
+    lit = pixels.any(axis=2)
+    lit[-POINTER_CORNER:, -POINTER_CORNER:] = False
+    return lit
+
 
 class Screen:
     """One Xvfb of the given size, on a display of its own."""
@@ -73,7 +82,7 @@ class Screen:
                             shape=(int(header[5]), int(header[12]) // 4, 4))
 
     def _park_pointer(self):
-        """The server draws the pointer into the picture: one pixel is left of it in the corner."""
+        """The server draws the pointer into the picture: little is left of it in the corner."""
         self._xdotool("mousemove", str(self.size[0]), str(self.size[1]))
 
     def _top_window(self, title):
