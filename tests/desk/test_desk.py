@@ -5,6 +5,7 @@ import os
 import signal
 import subprocess
 from pathlib import Path
+from time import sleep
 
 import numpy
 import pytest
@@ -72,6 +73,26 @@ def test_what_is_played_is_what_is_recorded(desk):
     spectrum = numpy.abs(numpy.fft.rfft(recording.samples()[:, 0]))
     seconds = len(recording.samples()) / RATE
     assert abs(spectrum.argmax() / seconds - NOTE_HZ) < 2
+
+
+def test_no_sound_is_lost_while_the_machine_stands_still(desk):
+    noise = numpy.random.default_rng(1).integers(1, 8000, (2 * RATE, 2), dtype="<i2")
+    noise.tofile(desk.folder / "noise.raw")
+    recording = desk.sound.record(desk.folder / "heard.raw")
+    player = subprocess.Popen(["pacat", "--raw", "--format=s16le", f"--rate={RATE}",
+                               str(desk.folder / "noise.raw")],
+                              env={**os.environ, **desk.sound.environment})
+    wait_until(lambda: recording.samples().any(), "the noise")
+    desk.sound.card.send_signal(signal.SIGSTOP)
+    sleep(0.5)
+    desk.sound.card.send_signal(signal.SIGCONT)
+    assert player.wait() == 0
+    recording.wait_for(0.2)
+    recording.stop()
+    heard = recording.samples()
+    begin = heard.any(axis=1).argmax()
+    assert (heard[begin:begin + len(noise)] == noise).all()
+    assert not heard[begin + len(noise):].any()
 
 
 def test_waiting_in_vain_ends_with_a_sentence():

@@ -1,7 +1,9 @@
-"""A sound card without a loudspeaker: a sound server whose only card goes nowhere."""
+"""What is heard: a sound server whose only card has no loudspeaker."""
 
+import fcntl
 import os
 import subprocess
+import sys
 from pathlib import Path
 
 import numpy
@@ -10,6 +12,8 @@ from .waiting import wait_until
 
 RATE = 44100
 FRAME_BYTES = 4
+CARD = Path(__file__).with_name("sound_card.py")
+CARD_BYTES = 4 * 4096  # 93 ms: what the card holds; a pipe's size is whole pages
 
 
 class SoundServer:
@@ -17,39 +21,55 @@ class SoundServer:
 
     def __init__(self, children, folder):
         self._children = children
-        socket = Path(folder) / "sound"
+        socket, self._pipe = Path(folder) / "sound", Path(folder) / "card"
         # A tenth of a second of sound ahead: with less, a busy machine is heard as clicks.
         self.environment = {"PULSE_SERVER": f"unix:{socket}", "PULSE_LATENCY_MSEC": "100"}
-        children.start(
-            "pulseaudio",
-            ["pulseaudio", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-n",
-             "-L", f"module-native-protocol-unix auth-anonymous=1 socket={socket}",
-             "-L", f"module-null-sink sink_name=null rate={RATE}"],
-            env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "HOME": str(folder)})
-        wait_until(self._has_card, "the sound server to start")
+        os.mkfifo(self._pipe)
+        with self._open_pipe() as pipe:
+            fcntl.fcntl(pipe, fcntl.F_SETPIPE_SZ, CARD_BYTES)
+            children.start(
+                "pulseaudio",
+                ["pulseaudio", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-n",
+                 "-L", f"module-native-protocol-unix auth-anonymous=1 socket={socket}",
+                 "-L", f"module-pipe-sink sink_name=card file={self._pipe} rate={RATE} channels=2 "
+                       "format=s16le"],
+                env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "HOME": str(folder)})
+            wait_until(self._has_card, "the sound server to start")
+            self.card = self._start_card(subprocess.DEVNULL)
 
     def record(self, path):
         """Starts to write down what is heard, and gives the Recording."""
-        return Recording(self._children, path, self.environment)
+        return Recording(self, path)
+
+    def write_to(self, place):
+        """What is heard goes to `place`, an open file, from now on. The sound server does not
+        notice that it is another card."""
+        self._children.end(self.card)
+        self.card = self._start_card(place)
+
+    def _start_card(self, place):
+        with self._open_pipe() as pipe:
+            return self._children.start("sound_card", [sys.executable, str(CARD)], stdin=pipe,
+                                        stdout=place)
+
+    def _open_pipe(self):
+        """The end to read from; there need not be a writer yet."""
+        return open(os.open(self._pipe, os.O_RDONLY | os.O_NONBLOCK), "rb")
 
     def _has_card(self):
         cards = subprocess.run(["pactl", "list", "short", "sinks"], capture_output=True, text=True,
                                env={**os.environ, **self.environment})
-        return "null" in cards.stdout
+        return "card" in cards.stdout
 
 
 class Recording:
     """What was heard since the start: 44100 frames a second, two channels, 16 bits."""
 
-    def __init__(self, children, path, environment):
-        self._children = children
+    def __init__(self, server, path):
+        self._server = server
         self._path = Path(path)
-        self._out = open(self._path, "wb")
-        self._recorder = children.start(
-            "parec",
-            ["parec", "--device=null.monitor", "--raw", "--format=s16le", f"--rate={RATE}",
-             "--channels=2", "--latency-msec=20"],
-            stdout=self._out, env={**os.environ, **environment})
+        with open(self._path, "wb") as place:
+            server.write_to(place)
         wait_until(lambda: self.frames() > 0, "the first recorded sound")
 
     def frames(self):
@@ -70,5 +90,4 @@ class Recording:
         return data[:len(data) // 2 * 2].reshape(-1, 2)
 
     def stop(self):
-        self._children.end(self._recorder)
-        self._out.close()
+        self._server.write_to(subprocess.DEVNULL)
