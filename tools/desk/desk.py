@@ -1,9 +1,11 @@
 """The headless desk: a screen, a sound card and a Wine prefix that belong together."""
 
+import os
 import shutil
 import signal
 import subprocess
 import tempfile
+from contextlib import suppress
 from pathlib import Path
 
 from PIL import Image
@@ -161,8 +163,13 @@ class Desk:
                    "the Wine server to start")
 
     def _stop_server(self):
-        """Ends all programs, and then the server, which by itself would wait two seconds more."""
-        self._server.send_signal(signal.SIGINT)
-        wait_until(lambda: all(pid == self._server.pid for pid, _ in self._programs()),
-                   "the end of the desk's programs")
+        """Ends all programs, and then the server, which by itself would wait two seconds more. It
+        would leave out a program that is just being started, which then waits for it for ever."""
+        def none_left():
+            left = [pid for pid, _ in self._programs() if pid != self._server.pid]
+            for pid in left:
+                with suppress(ProcessLookupError):  # gone meanwhile
+                    os.kill(pid, signal.SIGKILL)
+            return not left
+        wait_until(none_left, "the end of the desk's programs")
         self._children.end(self._server)
