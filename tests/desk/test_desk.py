@@ -156,6 +156,14 @@ def test_a_session_that_is_told_to_end_tidies_up(session):
     assert not places.exists()
 
 
+def test_a_session_waits_for_whoever_may_have_a_desk_of_its_own_to_end(session):
+    running, environment = session
+    user = subprocess.Popen(["sleep", "2"], env=environment)
+    running.terminate()
+    running.wait(30)
+    assert user.poll() == 0
+
+
 def test_a_test_runs_on_the_processor_that_it_was_given_and_on_the_desk_there(session, helpers):
     _, environment = session
     resources = json.loads((BUILD / "desk" / "processors.json").read_text())

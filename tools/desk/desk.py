@@ -164,12 +164,14 @@ class Desk:
 
     def _stop_server(self):
         """Ends all programs, and then the server, which by itself would wait two seconds more. It
-        would leave out a program that is just being started, which then waits for it for ever."""
+        would leave out a program that is just being started, which then waits for it for ever.
+        Whoever else has this desk's environment may have one to end of its own, and is waited for."""
         def none_left():
             left = [pid for pid, _ in self._programs() if pid != self._server.pid]
             for pid in left:
-                with suppress(ProcessLookupError):  # gone meanwhile
-                    os.kill(pid, signal.SIGKILL)
+                with suppress(OSError):  # gone meanwhile
+                    if Path(f"/proc/{pid}/exe").readlink().name.startswith("wine"):
+                        os.kill(pid, signal.SIGKILL)
             return not left
         wait_until(none_left, "the end of the desk's programs")
         self._children.end(self._server)
