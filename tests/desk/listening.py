@@ -9,21 +9,23 @@ from desk.sound import RATE
 from helpers import BUILD, ROOT
 
 
-SURE = RATE // 2  # frames; a shorter piece could be found in the song by chance
-STEP = 2 * RATE   # frames that are looked for at once
-SKIP = RATE       # frames that may be lost where the sound server was kept waiting
+SURE = RATE // 2      # frames; a shorter piece could be found in the song by chance
+STEP = 2 * RATE       # frames that are looked for at once
+SKIP = 3 * RATE // 2  # frames of the song in which a piece begins or is not found at all
 CLICK = RATE // 1000  # a shorter silence is none: the sound server plays more than that at once
 AHEAD = RATE // 10    # what the sound server has at hand when nothing more comes
 
 # What a recording holds of the song: the frames at which its sound begins and ends there, how many
-# frames were compared, how many of them differ by more than rounding, how alike the least alike
-# piece is (1 is the same), and behind which frames of the song the sound server had nothing to play.
-Followed = namedtuple("Followed", "begin end judged wrong alike gaps")
+# frames were compared, how many of them differ by more than rounding, and behind which frames of the
+# song the sound server had nothing to play.
+Followed = namedtuple("Followed", "begin end judged wrong gaps")
 ROUNDING = 2
 
 
-def follow(heard, song):
-    """Finds `heard` in the song, both arrays of rows of left, right.
+def follow(heard, song, first=0):
+    """Finds `heard` in the song, both arrays of rows of left, right. It begins at the song's frame
+    `first` or within SKIP of it: looked for in the whole song it would now and then be found in a
+    wrong place, since some seconds of a tracker song come again note for note.
 
     Where a busy machine keeps the sound server waiting it plays digital silence, and the song goes
     on behind it. So the pieces between such silences are looked for one by one, each behind the one
@@ -31,26 +33,24 @@ def follow(heard, song):
     that is late is heard as older music, and on its buffer's first lap alone as silence, which then
     begins where the halves meet: whoever asks looks at the gaps."""
     silence = max(CLICK, longest_silence(song[sounding(song)[0]:]))
-    begin, end, judged, wrong, alike, gaps, unsure = None, 0, 0, 0, 1.0, [], 0
+    begin, end, judged, wrong, gaps, unsure = None, first, 0, 0, [], 0
     for piece in pieces_between(heard, silence):
         if len(piece) < SURE:
             unsure += len(piece)
             continue
+        place = end + find_place(piece[:STEP], song[end:end + unsure + SKIP + STEP])
         if begin is None:
-            place = find_place(piece[:STEP], song)
             begin = place - unsure
         else:
             gaps.append(end)
-            place = end + find_place(piece[:STEP], song[end:end + unsure + SKIP + STEP])
         piece = piece[:len(song) - place]
         faithful = frames_before_a_loss(piece, song[place:])
         piece, unsure = piece[:faithful], len(piece) - faithful
         end = place + len(piece)
         judged += len(piece)
         wrong += len(wrong_frames(piece, song[place:end]))
-        alike = min(alike, likeness(piece, song[place:end]))
     assert begin is not None, "the song is not heard"
-    return Followed(begin, end + unsure, judged, wrong, alike, gaps)
+    return Followed(begin, end + unsure, judged, wrong, gaps)
 
 
 def wrong_frames(heard, song):
@@ -80,13 +80,6 @@ def find_place(heard, song):
     energy = numpy.concatenate([[0], numpy.cumsum((song.astype(float) ** 2).sum(axis=1))])
     there = energy[len(heard):] - energy[:-len(heard)]
     return int(numpy.argmax(product / numpy.sqrt(there + 1)))
-
-
-def likeness(first, second):
-    """The correlation of two pieces of the same length, both channels together; 0 where one of them
-    is constant."""
-    with numpy.errstate(invalid="ignore"):
-        return float(numpy.nan_to_num(numpy.corrcoef(first.ravel(), second.ravel())[0, 1]))
 
 
 def sounding(samples):
