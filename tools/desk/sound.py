@@ -24,6 +24,8 @@ class SoundServer:
         socket, self._pipe = Path(folder) / "sound", Path(folder) / "card"
         # A tenth of a second of sound ahead: with less, a busy machine is heard as clicks.
         self.environment = {"PULSE_SERVER": f"unix:{socket}", "PULSE_LATENCY_MSEC": "100"}
+        # Without an address it would start a message bus for itself, which would not end with it.
+        no_bus = {"DBUS_SESSION_BUS_ADDRESS": "disabled:"}
         os.mkfifo(self._pipe)
         with self._open_pipe() as pipe:
             fcntl.fcntl(pipe, fcntl.F_SETPIPE_SZ, CARD_BYTES)
@@ -33,7 +35,7 @@ class SoundServer:
                  "-L", f"module-native-protocol-unix auth-anonymous=1 socket={socket}",
                  "-L", f"module-pipe-sink sink_name=card file={self._pipe} rate={RATE} channels=2 "
                        "format=s16le"],
-                env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "HOME": str(folder)})
+                env={**os.environ, **no_bus, "XDG_RUNTIME_DIR": str(folder), "HOME": str(folder)})
             wait_until(self._has_card, "the sound server to start")
             self.card = self._start_card(subprocess.DEVNULL)
 
