@@ -185,7 +185,7 @@ def start_intro(desk):
     desk.wait_picture(lambda pixels: not is_lit(pixels), "the last intro's picture to go")
     program = desk.start(BUILD / "sample_pack" / SHOWN, BUILD)
     desk.wait_picture(is_lit, "the intro's picture")
-    desk.screen.focus_top_window()
+    desk.screen.focus_program(SHOWN)
     return program
 
 
@@ -221,7 +221,7 @@ def test_an_escape_held_for_long_does_not_end_the_menu_behind(tmp_path):
         menu.wait_unpacked()
         menu.press("Return")
         wait_shown(desk, SHOWN)
-        desk.screen.focus_top_window()
+        desk.screen.focus_program(SHOWN)
         desk.screen.key_down("Escape")
         desk.wait_picture(lambda pixels: not is_lit(pixels), "darkness")
         desk.screen.key_up("Escape")

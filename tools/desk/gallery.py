@@ -29,7 +29,7 @@ def show(menu, row, name, seconds=0.0):
     time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
     later = menu.desk.wait_picture(lambda pixels: _count(pixels != first) > MOVED_PIXELS,
                                    f"movement in the picture of {name}")
-    menu.desk.screen.focus_top_window()
+    menu.desk.screen.focus_program(name)
     menu.desk.screen.tap("Escape")
     menu.wait_up(row)
     return Shot(row, name, first, later)

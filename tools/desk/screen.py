@@ -52,8 +52,12 @@ class Screen:
     def focus_top_window(self, title="."):
         """Gives the keys to the window in front, or to the one in front of those whose titles fit
         the regular expression; without that every key vanishes."""
-        window = wait_until(lambda: self._top_window(title), "a window that can take the keys")
-        self._xdotool("windowfocus", "--sync", window)
+        self._focus("--name", title)
+
+    def focus_program(self, name):
+        """Gives the keys to the window in front of a program, by its file name, as soon as it has
+        one. The virtual desktop is a window, too, and would take them as well."""
+        self._focus("--classname", f"^{name}$")
 
     def _start_server(self, folder):
         """Starts the server, which looks for a free display number itself, and gives its display
@@ -85,10 +89,13 @@ class Screen:
         """The server draws the pointer into the picture: little is left of it in the corner."""
         self._xdotool("mousemove", str(self.size[0]), str(self.size[1]))
 
-    def _top_window(self, title):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
-                               capture_output=True, text=True, env=self._environment)
-        return found.stdout.split()[-1] if found.stdout else None
+    def _focus(self, *sought):
+        def top_window():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", *sought],
+                                   capture_output=True, text=True, env=self._environment)
+            return found.stdout.split()[-1] if found.stdout else None
+        window = wait_until(top_window, "a window that can take the keys")
+        self._xdotool("windowfocus", "--sync", window)
 
     def _xdotool(self, *words):
         done = subprocess.run(["xdotool", *words], capture_output=True, text=True,
