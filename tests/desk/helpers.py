@@ -52,9 +52,10 @@ class Helpers:
         source, program = SOURCES / source, self._folder / Path(source).with_suffix(".exe")
         with locked(program):
             if not program.exists() or program.stat().st_mtime < source.stat().st_mtime:
-                compiler = COMPILERS[source.suffix]
-                subprocess.run([compiler, *COMPILE, str(source), "-o", str(program), *options],
+                compiler, part = COMPILERS[source.suffix], program.with_suffix(".part")
+                subprocess.run([compiler, *COMPILE, str(source), "-o", str(part), *options],
                                check=True)
+                part.replace(program)  # a compiler that is ended leaves no half a program
         return program
 
 

@@ -136,10 +136,10 @@ def session(tmp_path):
     """Starts a session that waits. Gives its process and its environment."""
     place = tmp_path / "place"
     running = subprocess.Popen([ROOT / "tools" / "desk-session", "bash", "-c",
-                                f"env > {place}.part; mv {place}.part {place}; exec sleep 600"],
+                                f"env -0 > {place}.part; mv {place}.part {place}; exec sleep 600"],
                                preexec_fn=lambda: os.sched_setaffinity(0, range(os.cpu_count())))
     wait_until(place.exists, "the session")
-    yield running, dict(line.split("=", 1) for line in place.read_text().splitlines())
+    yield running, dict(line.split("=", 1) for line in place.read_text().split("\0") if line)
     running.terminate()
     running.wait(30)
 

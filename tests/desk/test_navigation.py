@@ -109,6 +109,7 @@ def test_the_red_box_is_as_wide_as_the_words(menu, desk):
     widths = {}
     for row in (6, 29):
         menu.select(row)
+        menu.program.let_run()  # until the last of the box is there, too
         left, top, right, bottom = highlight(desk.screen.pixels())
         widths[row] = right - left
         assert bottom - top == 21

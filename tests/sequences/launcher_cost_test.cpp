@@ -66,15 +66,14 @@ TEST(FrameCost, RenderThreadAllocatesNothingBesideTheFrames) {
         Watched watched;
         stage.devices.input.rest(framesWatched + 4);
         watchFrames(stage, 2, &watched);
-        // The cursor leaves the first half while the frames are watched: they wait until the thread
-        // has rendered it.
-        int halves = 0;
+        // The cursor leaves the first half while the frames are watched, as soon as the second one
+        // is rendered: they wait until the thread has rendered the first one again.
         stage.calls.before("IDirectDrawSurface7::Flip", 3, [&] {
-            halves = stage.devices.sound.unlocks();
+            EXPECT_TRUE(waitUntil([&] { return stage.devices.sound.unlocks() == 2; }));
             stage.devices.sound.moveCursor(middle + 1);
         });
         stage.calls.before("IDirectDrawSurface7::Flip", framesWatched, [&] {
-            EXPECT_TRUE(waitUntil([&] { return stage.devices.sound.unlocks() > halves; }));
+            EXPECT_TRUE(waitUntil([&] { return stage.devices.sound.unlocks() == 3; }));
         });
         stage.run();
         expectNoHeapCalls(watched.threadLines);

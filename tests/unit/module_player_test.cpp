@@ -45,7 +45,7 @@ protected:
         calls.failNothing();
         Module_SubsystemEnd();
         for (HANDLE thread : threads) {
-            EXPECT_EQ(WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
+            EXPECT_EQ(WaitForSingleObject(thread, 60000), WAIT_OBJECT_0);
             CloseHandle(thread);
         }
     }
@@ -318,7 +318,7 @@ TEST_F(ModuleTest, StopsAndLeavesNoThread) {
     EXPECT_EQ(player->renderRunning, 0);
     EXPECT_FALSE(devices.sound.isPlaying());
     ASSERT_EQ(threads.size(), 1u);
-    EXPECT_EQ(WaitForSingleObject(threads[0], 10000), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(threads[0], 60000), WAIT_OBJECT_0);
     DWORD result = 1;
     GetExitCodeThread(threads[0], &result);
     EXPECT_EQ(result, 0u);

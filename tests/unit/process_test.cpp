@@ -279,7 +279,7 @@ TEST_F(ProcRun, PipesToTheChildWhichMeetsTheEndOnceOurEndIsClosed) {
     ASSERT_NE(child, nullptr);
     write(child->stdinWrite, "words");
     CloseHandle(child->stdinWrite);
-    EXPECT_EQ(Proc_WaitEndFor(child, 10000), 1) << "the child holds our end open itself";
+    EXPECT_EQ(Proc_WaitEndFor(child, 60000), 1) << "the child holds our end open itself";
     EXPECT_EQ(probe.report().heard, "words");
     EXPECT_EQ(child->stdoutRead, nullptr);
     EXPECT_EQ(child->stderrRead, nullptr);
@@ -397,7 +397,7 @@ TEST_F(ProcessTest, WaitingWithALimitGivesZeroOnATimeOut) {
     ASSERT_NE(child, nullptr);
     EXPECT_EQ(Proc_WaitEndFor(child, 1), 0);
     probe.letGo();
-    EXPECT_EQ(Proc_WaitEndFor(child, 10000), 1);
+    EXPECT_EQ(Proc_WaitEndFor(child, 60000), 1);
 }
 
 TEST_F(ProcessTest, WaitingGivesZeroWhereTheWaitFails) {
