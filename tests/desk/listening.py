@@ -11,21 +11,21 @@ from helpers import BUILD, ROOT
 
 SURE = RATE // 2      # frames; a shorter piece could be found in the song by chance
 STEP = 2 * RATE       # frames that are looked for at once
-SKIP = 3 * RATE // 2  # frames of the song in which a piece begins or is not found at all
+SKIP = 3 * RATE // 2  # how far on a piece is looked for
 CLICK = RATE // 1000  # a shorter silence is none: the sound server plays more than that at once
 AHEAD = RATE // 10    # what the sound server has at hand when nothing more comes
 
 # What a recording holds of the song: the frames at which its sound begins and ends there, how many
-# frames were compared, how many of them differ by more than rounding, and behind which frames of the
-# song the sound server had nothing to play.
+# frames were compared, how many of them differ by more than rounding, and behind which frames of
+# the song the sound server had nothing to play.
 Followed = namedtuple("Followed", "begin end judged wrong gaps")
 ROUNDING = 2
 
 
 def follow(heard, song, first=0):
-    """Finds `heard` in the song, both arrays of rows of left, right. It begins at the song's frame
-    `first` or within SKIP of it: looked for in the whole song it would now and then be found in a
-    wrong place, since some seconds of a tracker song come again note for note.
+    """Finds `heard` in the song, both arrays of rows of left, right. It is looked for close behind
+    the song's frame `first`: in the whole song it would now and then be found in a wrong place,
+    since some seconds of a tracker song come again note for note.
 
     Where a busy machine keeps the sound server waiting it plays digital silence, and the song goes
     on behind it. So the pieces between such silences are looked for one by one, each behind the one

@@ -7,10 +7,11 @@ from desk.sound import RATE
 from helpers import launch
 from listening import follow, render_song, sounding
 
-HALF = 25600           # frames in half of the player's buffer
-BORDER = 4             # frames around the place where the halves meet: a late player stops on it
-SONG_PIECES = 118      # halves rendered for comparison, 68 s: from 69 s on the song repeats itself
-OPENING = RATE // 10   # what the sound server may swallow while it opens a stream
+HALF = 25600            # frames in half of the player's buffer
+BORDER = 4              # frames around the place where the halves meet: a late player stops on it
+SONG_PIECES = 118       # halves rendered for comparison, 68 s: from 69 s on the song repeats itself
+OPENING = RATE // 10    # what the sound server may swallow while it opens a stream
+ON_THE_WAY = RATE // 2  # what server and card may still have to play when the music has stopped
 
 
 @pytest.fixture(scope="module")
@@ -49,7 +50,7 @@ def wait_music(recording, after):
 
 def assert_faithful(heard, seconds):
     assert heard.judged >= seconds * RATE
-    assert heard.wrong == 0, "a click"
+    assert heard.wrong == 0, "a click, or the song of another moment"
     assert heard.end - heard.begin - heard.judged <= RATE, "too much of the song is missing"
     for gap in heard.gaps:
         assert BORDER < gap % HALF < HALF - BORDER, "a gap where the halves meet"
@@ -60,19 +61,18 @@ def test_the_song_is_heard_from_its_start_with_no_click_and_no_gap_where_the_hal
     recording.wait_for(33)
     heard = follow(recording.samples(opening, 33 * RATE), song)
     assert_faithful(heard, 30)
-    assert heard.begin - sounding(song)[0] < OPENING
+    assert 0 <= heard.begin - sounding(song)[0] < OPENING
 
 
 def test_the_music_stops_for_an_intro_and_goes_on_further_in_the_song(opening, menu, recording,
                                                                       song, desk):
     menu.wait_unpacked()
+    recording.wait_for(3)
     launch(menu, desk)
-    wait_until(lambda: not recording.samples(recording.frames() - RATE).any(),
-               "silence: an intro has the sound for itself")
-    silent = recording.wait_for(1.0)
-    assert not recording.samples(silent).any(), "and keeps it"
-    stopped = follow(recording.samples(opening, silent - opening), song)
-    assert_faithful(stopped, 30)
+    launched = recording.wait_for(2)
+    assert not recording.samples(launched + ON_THE_WAY).any(), "an intro has the sound for itself"
+    stopped = follow(recording.samples(opening, launched + ON_THE_WAY - opening), song)
+    assert_faithful(stopped, 3)
 
     back = recording.frames()
     desk.screen.tap("Escape")

@@ -93,8 +93,7 @@ class Menu:
 
     def select(self, row):
         """Goes to a row from wherever the highlight is, by the shortest way."""
-        current = highlighted_row(self.desk.wait_picture(
-            lambda pixels: highlighted_row(pixels) is not None, "the menu"))
+        current = highlighted_row(self.desk.screen.pixels())
         if current // ROWS_A_COLUMN != row // ROWS_A_COLUMN:
             current = (current + ROWS_A_COLUMN) % ROWS
             self.step("Right", current)

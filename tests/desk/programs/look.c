@@ -12,7 +12,7 @@
 static BOOL CALLBACK printChild(HWND child, LPARAM unused) {
     char text[512] = "";
     (void)unused;
-    SendMessageTimeoutA(child, WM_GETTEXT, sizeof text, (LPARAM)text, SMTO_ABORTIFHUNG, 20000,
+    SendMessageTimeoutA(child, WM_GETTEXT, sizeof text, (LPARAM)text, SMTO_ABORTIFHUNG, 10000,
                         NULL);
     printf("\t%s", text);
     return TRUE;
