@@ -11,7 +11,7 @@ import pytest
 ROOT = Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(ROOT / "tools"), str(Path(__file__).parent)]
 
-from desk import Desk  # noqa: E402
+from desk.desk import Desk  # noqa: E402
 from desk.children import tidy_up_on_termination  # noqa: E402
 from helpers import BUILD, Helpers, Stall  # noqa: E402
 

@@ -8,9 +8,9 @@ from pathlib import Path
 import numpy
 
 from catalogue import INTRO_FILES
-from desk import wait_until
 from desk.locking import locked
 from desk.menu import DATA_NAME, INFO_NAME, PROGRAM_NAME, Menu
+from desk.waiting import wait_until
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
@@ -106,8 +106,12 @@ class Windows:
 
 
 def wait_box(desk, helpers, title):
-    """Waits for a message box and gives the texts on it, its button's included."""
-    return wait_until(lambda: Windows(desk, helpers).texts(title), f"a box titled {title}")
+    """Waits until a message box shows its message and its button, and returns the texts on it. The
+    box is visible before it has them; its icon never has one."""
+    def complete():
+        texts = [text for text in Windows(desk, helpers).texts(title) or [] if text]
+        return texts if len(texts) > 1 else None
+    return wait_until(complete, f"a box titled {title} with a message and a button")
 
 
 def wait_report(desk, number):
@@ -132,7 +136,7 @@ def launch(menu, desk):
     menu.press("Return")
     report = wait_report(desk, number)
     desk.wait_picture(shows_probe, "the probe's window")
-    desk.screen.focus_top_window()
+    desk.screen.focus_program(report["program"].rsplit("\\", 1)[1])
     return report
 
 

@@ -10,8 +10,9 @@ from time import sleep
 import numpy
 import pytest
 
-from desk import Desk, DeskError, wait_until
+from desk.desk import Desk
 from desk.sound import RATE
+from desk.waiting import DeskError, wait_until
 from helpers import BUILD, ROOT, Windows, shows_probe
 
 NOTE_HZ = 440

@@ -1,13 +1,13 @@
 """What the user meets when something that the menu needs is missing."""
 
-import signal
 import time
 
 import pytest
 
 from catalogue import INTRO_FILES
-from desk import wait_until
 from desk.menu import STAGED_NAME, WINDOW_CLASS, highlight
+from desk.waiting import wait_until
+from desk.wine import FAULT_CODES
 from helpers import Windows, launch_and_leave, reports, wait_box
 
 
@@ -98,9 +98,7 @@ def test_a_missing_intro_hangs_the_menu_busy_and_without_a_window(desk, hung_men
 def test_a_display_that_refuses_the_mode_ends_the_program_by_a_fault(make_desk, open_menu, helpers):
     desk = make_desk(screen_size=(1280, 1024), desktop_size=None)
     menu = open_menu(desk)
-    # 0xC0000005, of which the system passes on the lowest byte; or the kernel's own word for it,
-    # where the fault strikes while Wine takes the process down.
-    assert menu.program.wait_end() in (5, -signal.SIGSEGV)
+    assert menu.program.wait_end() in FAULT_CODES
     assert Windows(desk, helpers).classes() == set(), "no box tells of it"
     assert menu.staging_folder.exists(), "the fault leaves no time to tidy up"
 

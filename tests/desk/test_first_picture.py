@@ -10,6 +10,7 @@ from helpers import ROOT
 from yardstick import as_565, catalogue_page
 
 CYAN_565 = 0x07FF
+WELCOME_END = slice(680, 700)  # the last of the four welcome lines
 CELL_HEIGHT = 21           # of 14 points of Liberation Sans, which has the measures of Arial
 
 
@@ -17,7 +18,9 @@ CELL_HEIGHT = 21           # of 14 points of Liberation Sans, which has the meas
 def first_picture(desk, module_stall):
     menu = module_stall.open_menu(desk)
     menu.wait_row(0)
-    menu.program.let_run()  # the highlight may be there before the lower part of the picture
+    desk.wait_picture(lambda pixels: (as_565(pixels)[WELCOME_END] == CYAN_565).any(),
+                      "the page's last line")
+    menu.program.let_run()  # the rest of that line, and a frame that adds nothing more
     yield desk.screen.pixels()
     menu.program.kill()
 

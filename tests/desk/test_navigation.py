@@ -6,7 +6,7 @@ import pytest
 
 from desk.menu import ROWS, ROWS_A_COLUMN, WINDOW_CLASS, highlight, highlighted_row
 from helpers import Windows, reports
-from yardstick import as_565, catalogue_page
+from yardstick import catalogue_page, wait_page
 
 OTHER_KEYS = ["Tab", "space", "a", "F1", "Home", "End", "Page_Down", "Delete", "Shift_L", "1"]
 
@@ -101,15 +101,14 @@ def test_other_keys_have_no_effect(menu):
 @pytest.mark.parametrize("row", [1, 14, 15, 28, 29])
 def test_exactly_the_selected_row_is_highlighted(menu, desk, helpers, row):
     menu.select(row)
-    expected = catalogue_page(desk, helpers, selected=row)
-    assert (as_565(desk.screen.pixels()) == expected).all()
+    wait_page(desk, catalogue_page(desk, helpers, selected=row))
 
 
-def test_the_red_box_is_as_wide_as_the_words(menu, desk):
+def test_the_red_box_is_as_wide_as_the_words(menu, desk, helpers):
     widths = {}
     for row in (6, 29):
         menu.select(row)
-        menu.program.let_run()  # until the last of the box is there, too
+        wait_page(desk, catalogue_page(desk, helpers, selected=row))
         left, top, right, bottom = highlight(desk.screen.pixels())
         widths[row] = right - left
         assert bottom - top == 21

@@ -6,9 +6,9 @@ import numpy
 import pytest
 
 from catalogue import INTRO_FILES
-from desk import wait_until
 from desk.gallery import show, thumbnail
 from desk.menu import DATA_NAME, PROGRAM_NAME, Menu
+from desk.waiting import wait_until
 from helpers import BUILD
 
 SHOW_SECONDS = 0.3       # some effects grow out of the dark

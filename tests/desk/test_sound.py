@@ -2,8 +2,8 @@
 
 import pytest
 
-from desk import wait_until
 from desk.sound import RATE
+from desk.waiting import wait_until
 from helpers import launch
 from listening import follow, render_song, sounding
 

@@ -13,6 +13,11 @@ def as_565(pixels):
     return parts[:, :, 0] >> 3 << 11 | parts[:, :, 1] >> 2 << 5 | parts[:, :, 2] >> 3
 
 
+def wait_page(desk, expected, what="the page as GDI draws it"):
+    """Waits until the whole screen shows the page, and returns the pixels."""
+    return desk.wait_picture(lambda pixels: (as_565(pixels) == expected).all(), what)
+
+
 def draw_page(desk, helpers, lines):
     """What GDI makes of a list of drawing lines, as a 5-6-5 picture."""
     drawing, out = desk.folder / "page.txt", desk.folder / "page.565"

@@ -58,10 +58,10 @@ std::string fields(const DIDATAFORMAT& value);
 std::string fields(const DIPROPHEADER& value);
 std::string fields(const DSBUFFERDESC& value);
 
+template <typename T, typename = void>
+constexpr bool hasFields = false;
 template <typename T>
-concept HasFields = requires(const T& value) {
-    fields(value);
-};
+constexpr bool hasFields<T, std::void_t<decltype(fields(std::declval<const T&>()))>> = true;
 
 // Structures that callers pass through a pointer to non-const, but fill themselves.
 template <typename T>
@@ -152,19 +152,18 @@ std::string show(T value, Known known) {
         return value ? "routine" : "null";
     else if constexpr (kindOf<T> != nullptr)
         return call_names::of(reinterpret_cast<uint64_t>(value), kindOf<T>);
-    else if constexpr (HasFields<Plain> && (std::is_const_v<Pointee> || isFilledByCaller<Plain>))
+    else if constexpr (hasFields<Plain> && (std::is_const_v<Pointee> || isFilledByCaller<Plain>))
         return value ? fields(*value) : "null";
-    else if constexpr (HasFields<Plain> || std::is_pointer_v<Plain> || std::is_integral_v<Plain>)
+    else if constexpr (hasFields<Plain> || std::is_pointer_v<Plain> || std::is_integral_v<Plain>)
         return showPointee(value, known);
     else
         return show(Memory{value}, known);
 }
 
-// Whether `show` gives more after the call than before it.
+// Whether `show` returns more after the call than before it.
 template <typename T>
-constexpr bool isWrittenByCall = std::is_same_v<T, OutHandle> || std::is_same_v<T, OutInterface> ||
-                                 (std::is_pointer_v<T> &&
-                                  !std::is_const_v<std::remove_pointer_t<T>> &&
-                                  !isFilledByCaller<std::remove_pointer_t<T>>);
+constexpr bool isWrittenByCall = std::is_same_v<T, OutHandle> || std::is_same_v<T, OutInterface>;
+template <typename T>
+constexpr bool isWrittenByCall<T*> = !std::is_const_v<T> && !isFilledByCaller<T>;
 
 } // namespace call_text

@@ -14,7 +14,7 @@ ROOT = Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests" / "desk"), str(Path(__file__).parent)]
 
 from catalogue import INTRO_FILES, ROWS  # noqa: E402
-from desk import Desk  # noqa: E402
+from desk.desk import Desk  # noqa: E402
 from desk.gallery import wait_shown  # noqa: E402
 from desk.menu import DATA_NAME, PROGRAM_NAME, STAGED_NAME, Menu  # noqa: E402
 from desk.screen import lit_pixels  # noqa: E402
@@ -178,6 +178,8 @@ def is_lit(pixels):
 def lit_place(pixels):
     """The left, top, right and bottom of what is lit."""
     rows, columns = lit_pixels(pixels).nonzero()
+    if len(rows) == 0:
+        return None
     return (columns.min(), rows.min(), columns.max() + 1, rows.max() + 1)
 
 
@@ -238,7 +240,8 @@ def test_the_picture_is_as_large_as_fits_and_in_the_middle(tmp_path, size, place
     with Desk(tmp_path, BUILD / "desk" / "template", screen_size=size, desktop_size=None,
               sound=False) as desk:
         program = start_intro(desk)
-        program.let_run()  # some of the picture may be there before all of it
-        assert lit_place(desk.screen.pixels()) == place
+        desk.wait_picture(lambda pixels: lit_place(pixels) == place, "the whole picture")
+        program.let_run()
+        assert lit_place(desk.screen.pixels()) == place, "it stays so"
         desk.screen.tap("Escape")
         assert program.wait_end() == 0

@@ -10,16 +10,13 @@ from pathlib import Path
 
 from PIL import Image
 
+from . import wine
 from .children import Children
-from .prefix import (BASE_SETTINGS, HEADLESS_SETTINGS, START, WINE, WINESERVER,
-                     clone_template, make_template, temp_folder_settings,
-                     virtual_desktop_settings, wine_environment)
+from .prefix import FULL_SCREEN, clone_template, make_template
 from .program import Program
 from .screen import Screen
 from .sound import SoundServer
 from .waiting import DeskError, wait_until
-
-FULL_SCREEN = (1024, 768)
 
 
 class Desk:
@@ -39,11 +36,11 @@ class Desk:
         self._screen_size = screen_size
         self._sound_wanted = sound
         self._temp_name = temp_name
-        self._settings = [BASE_SETTINGS, HEADLESS_SETTINGS]
+        self._settings = [wine.BASE_SETTINGS, wine.headless_settings()]
         if desktop_size:
-            self._settings.append(virtual_desktop_settings(desktop_size))
+            self._settings.append(wine.virtual_desktop_settings(desktop_size))
         if temp_name:
-            self._settings.append(temp_folder_settings(temp_name))
+            self._settings.append(wine.temp_folder_settings(temp_name))
 
     def __enter__(self):
         self.folder.mkdir(parents=True, exist_ok=True)
@@ -76,7 +73,7 @@ class Desk:
         """Where Windows programs of this desk keep their temporary files."""
         if self._temp_name:
             return self.drive_c / self._temp_name
-        return next((self.drive_c / "users").glob("*/Temp"))
+        return wine.temp_folder(self._prefix)
 
     def start(self, path, folder, missing=()):
         """Starts a Windows program with `folder` as its current folder, on a system without the
@@ -84,7 +81,7 @@ class Desk:
         environment = dict(self.environment)
         environment["WINEDLLOVERRIDES"] += "".join(f";{library}=" for library in missing)
         before = {pid for pid, _ in self._programs()}
-        starter = self._children.start("program", [*START, str(path)], cwd=folder,
+        starter = self._children.start("program", [*wine.START, str(path)], cwd=folder,
                                        env=environment)
 
         def find():
@@ -94,7 +91,7 @@ class Desk:
 
     def ask(self, path, *arguments, limit=30):
         """Runs a Windows console program to its end and gives what it printed."""
-        done = subprocess.run([*WINE, str(path), *arguments], env=self.environment, text=True,
+        done = subprocess.run([*wine.WINE, str(path), *arguments], env=self.environment, text=True,
                               cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, timeout=limit)
         if done.returncode != 0:
@@ -148,30 +145,28 @@ class Desk:
         self._prefix = self._private / "prefix"
         clone_template(self._template, self._prefix, *self._settings)
         self.temp_folder.mkdir(exist_ok=True)
-        self.environment = wine_environment(
+        self.environment = wine.environment(
             self._prefix, DISPLAY=self.screen.display, XDG_RUNTIME_DIR=str(self._private),
-            TMPDIR=str(self._private), **sound_place)
+            **sound_place)
         self._start_server()
 
     def _start_server(self):
-        """The server in the foreground, kept alive between programs: they start at once, and all
-        of them end with it."""
-        self._server = self._children.start(
-            "wineserver", [WINESERVER, "--foreground", "--persistent"], env=self.environment)
-        # Whoever asks for the server too early would make a second place for its socket.
-        wait_until(lambda: any(self._private.glob("*wine*/server-*/socket")),
-                   "the Wine server to start")
+        """Keeps the server alive between programs: they start faster, and all of them end with it."""
+        self._server = wine.Server(
+            lambda command: self._children.start("wineserver", command, env=self.environment),
+            persistent=True)
 
     def _stop_server(self):
         """Ends all programs, and then the server, which by itself would wait two seconds more. It
         would leave out a program that is just being started, which then waits for it for ever.
         Whoever else has this desk's environment may have one to end of its own, and is waited for."""
         def none_left():
-            left = [pid for pid, _ in self._programs() if pid != self._server.pid]
+            left = [pid for pid, _ in self._programs() if pid != self._server.process.pid]
             for pid in left:
                 with suppress(OSError):  # gone meanwhile
                     if Path(f"/proc/{pid}/exe").readlink().name.startswith("wine"):
                         os.kill(pid, signal.SIGKILL)
             return not left
         wait_until(none_left, "the end of the desk's programs")
-        self._children.end(self._server)
+        self._children.end(self._server.process)
+        self._server.remove_folder()

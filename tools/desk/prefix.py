@@ -3,59 +3,14 @@
 import os
 import shutil
 import subprocess
-import tempfile
 from pathlib import Path
 
+from . import wine
 from .locking import locked
 from .waiting import DeskError
 
-WINE_LOADER = "/usr/lib/wine/wine64"
-# Linux puts a program's heap at random within a GiB behind it, once in some thousand starts where
-# Wine needs a fixed address; Wine then ends at once, with code 1 and without a word.
-WINE = ["setarch", "--addr-no-randomize", WINE_LOADER]
-# By way of a Windows program, which passes on the exit code that Windows programs see. Wine's sound
-# driver now and then crashes while a program ends that holds a device; its own process tells that.
-START = [*WINE, "start", "/wait", "/unix"]
-WINESERVER = "/usr/lib/wine/wineserver64"
-
-# A crash must end the program with its own exit code and without a box that nobody closes.
-# The menus of Mono and Gecko installers must not open, nor entries in a real desktop's menu.
-OVERRIDES = "mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe=d"
-
-BASE_SETTINGS = {
-    r"Software\Wine\WineDbg": {"ShowCrashDialog": 0},
-    # Wine has no "Terminal"; the info page needs a face of fixed pitch.
-    r"Software\Wine\Fonts\Replacements": {"Terminal": "Liberation Mono"},
-}
-
-# Without a window manager a managed window waits two seconds for each hide, and without a
-# graphics card the 3D renderer makes a flip several times as dear.
-HEADLESS_SETTINGS = {
-    r"Software\Wine\X11 Driver": {"Managed": "N"},
-    r"Software\Wine\Direct3D": {"renderer": "no3d"},
-}
-
-
-def virtual_desktop_settings(size):
-    """Every program of the prefix then opens in one black desktop window of this size."""
-    width, height = size
-    return {
-        r"Software\Wine\Explorer": {"Desktop": "Ostrik"},
-        r"Software\Wine\Explorer\Desktops": {"Ostrik": f"{width}x{height}"},
-        r"Control Panel\Colors": {"Background": "0 0 0"},
-    }
-
-
-def temp_folder_settings(name):
-    """Another temp folder than the one under the user's profile: `name` on drive C."""
-    return {"Environment": {"TEMP": "C:\\" + name, "TMP": "C:\\" + name}}
-
-
-def wine_environment(prefix, **more):
-    """The environment for programs of `prefix`. A value of None takes the variable away."""
-    environment = {**os.environ, "WINEPREFIX": str(prefix), "WINEDEBUG": "-all",
-                   "WINEDLLOVERRIDES": OVERRIDES, **more}
-    return {name: value for name, value in environment.items() if value is not None}
+FULL_SCREEN = (1024, 768)  # the menu's display mode
+BOOT_LIMIT = 300  # seconds
 
 
 def make_template(template):
@@ -94,15 +49,21 @@ def clone_template(template, clone, *settings):
 
 
 def _make_prefix(template):
-    if not os.path.exists(WINE_LOADER):
-        raise DeskError("Wine (64-bit) is not installed: run tools/setup first")
+    wine.major_version()  # raises if there is no Wine
     unfinished = _make_unfinished(template)
-    with tempfile.TemporaryDirectory(prefix="desk-") as sockets:
-        environment = wine_environment(unfinished, DISPLAY=None, TMPDIR=sockets)
-        done = subprocess.run([*WINE, "wineboot", "--init"], env=environment, capture_output=True,
-                              stdin=subprocess.DEVNULL)
-        # The registry reaches the disk when the server has ended.
-        subprocess.run([WINESERVER, "--wait"], env=environment, check=True)
+    environment = wine.environment(unfinished, DISPLAY=None)
+    server = wine.Server(lambda command: subprocess.Popen(
+        ["setpriv", "--pdeathsig", "KILL", "--", *command], env=environment))
+    try:
+        done = subprocess.run([*wine.WINE, "wineboot", "--init"], env=environment,
+                              capture_output=True, stdin=subprocess.DEVNULL)
+        server.process.wait(BOOT_LIMIT)  # it writes the registry when it ends
+    except subprocess.TimeoutExpired:
+        raise DeskError(f"Wine was not done with a new prefix after {BOOT_LIMIT} s") from None
+    finally:
+        server.process.terminate()
+        server.process.wait()
+        server.remove_folder()
     if done.returncode != 0 or not (unfinished / "user.reg").exists():
         raise DeskError(f"Wine could not make a prefix in {unfinished}")
     _cut_links_to_home(unfinished)

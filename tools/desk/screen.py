@@ -45,6 +45,10 @@ class Screen:
         """Down and up at once: enough for a program that reads key messages."""
         self._xdotool("key", key)
 
+    def synchronize(self):
+        """Returns when the server has done all that was due before the call, key repeats included."""
+        self._xdotool("getmouselocation")
+
     def click(self, x, y, button):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
         self._park_pointer()

@@ -13,6 +13,7 @@ from pathlib import Path
 
 from .desk import Desk
 from .waiting import DeskError
+from .wine import WINE
 
 # Two tests at a time on each of two processors; more have not been tried.
 PROCESSORS = 2
@@ -47,8 +48,9 @@ def main(build, *command):
             write_change(places / str(processor), desks[0].environment, desks[-1].environment)
         os.sched_setaffinity(0, allowed)
         write_resources(folder / "processors.json", processors)
-        return subprocess.run(command, env={**desks[0].environment,
-                                            "DESK_SESSION": str(places)}).returncode
+        return subprocess.run(command, env={**desks[0].environment, "TMPDIR": str(places),
+                                            "DESK_SESSION": str(places),
+                                            "DESK_WINE": shlex.join(WINE)}).returncode
 
 
 if __name__ == "__main__":
