@@ -19,6 +19,21 @@ from .sound import SoundServer
 from .waiting import DeskError, wait_until
 
 
+def programs_of(prefix):
+    """Returns process id and file name of each Windows program that runs in a prefix."""
+    mark = f"WINEPREFIX={prefix}\0".encode()
+    found = []
+    for process in Path("/proc").glob("[0-9]*"):
+        try:
+            if mark in (process / "environ").read_bytes():
+                command = (process / "cmdline").read_bytes().split(b"\0")[0].decode()
+                name = command.strip().strip('"').replace("\\", "/").rsplit("/", 1)[-1]
+                found.append((int(process.name), name))
+        except OSError:
+            continue  # gone meanwhile
+    return found
+
+
 class Desk:
     """A desk to start Windows programs on; use it in a `with` statement.
 
@@ -80,12 +95,12 @@ class Desk:
         `missing` libraries."""
         environment = dict(self.environment)
         environment["WINEDLLOVERRIDES"] += "".join(f";{library}=" for library in missing)
-        before = {pid for pid, _ in self._programs()}
+        before = {pid for pid, _ in programs_of(self._prefix)}
         starter = self._children.start("program", [*wine.START, str(path)], cwd=folder,
                                        env=environment)
 
         def find():
-            return next((pid for pid, name in self._programs()
+            return next((pid for pid, name in programs_of(self._prefix)
                          if pid not in before and name == Path(path).name), None)
         return Program(starter, find)
 
@@ -100,7 +115,7 @@ class Desk:
 
     def program_names(self):
         """The file names of all Windows programs that run on this desk, Wine's own included."""
-        return [name for _, name in self._programs()]
+        return [name for _, name in programs_of(self._prefix)]
 
     def press(self, program, *keys):
         """Presses keys long enough for a program that looks at them once a frame, and lets
@@ -120,20 +135,6 @@ class Desk:
         """Writes pixels taken earlier, or the screen as it is now."""
         Path(path).parent.mkdir(parents=True, exist_ok=True)
         Image.fromarray(self.screen.pixels() if pixels is None else pixels).save(path)
-
-    def _programs(self):
-        """Process id and file name of each program that runs on this desk."""
-        mark = f"WINEPREFIX={self._prefix}\0".encode()
-        found = []
-        for process in Path("/proc").glob("[0-9]*"):
-            try:
-                if mark in (process / "environ").read_bytes():
-                    command = (process / "cmdline").read_bytes().split(b"\0")[0].decode()
-                    name = command.strip().strip('"').replace("\\", "/").rsplit("/", 1)[-1]
-                    found.append((int(process.name), name))
-            except OSError:
-                continue  # gone meanwhile
-        return found
 
     def _set_up(self):
         self.screen = Screen(self._children, self._private, self._screen_size)
@@ -161,7 +162,7 @@ class Desk:
         would leave out a program that is just being started, which then waits for it for ever.
         Whoever else has this desk's environment may have one to end of its own, and is waited for."""
         def none_left():
-            left = [pid for pid, _ in self._programs() if pid != self._server.process.pid]
+            left = [pid for pid, _ in programs_of(self._prefix) if pid != self._server.process.pid]
             for pid in left:
                 with suppress(OSError):  # gone meanwhile
                     if Path(f"/proc/{pid}/exe").readlink().name.startswith("wine"):
@@ -169,4 +170,4 @@ class Desk:
             return not left
         wait_until(none_left, "the end of the desk's programs")
         self._children.end(self._server.process)
-        self._server.remove_folder()
+        wine.remove_server_folder(self._prefix)

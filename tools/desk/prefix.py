@@ -63,7 +63,7 @@ def _make_prefix(template):
     finally:
         server.process.terminate()
         server.process.wait()
-        server.remove_folder()
+        wine.remove_server_folder(unfinished)
     if done.returncode != 0 or not (unfinished / "user.reg").exists():
         raise DeskError(f"Wine could not make a prefix in {unfinished}")
     _cut_links_to_home(unfinished)

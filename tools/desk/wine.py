@@ -97,6 +97,16 @@ def environment(prefix, **more):
     return {name: value for name, value in values.items() if value is not None}
 
 
+def remove_server_folder(prefix):
+    """Removes what the server of `prefix` leaves behind when it has ended: Debian's puts its socket
+    into a folder with a random name, and notes the name in the prefix (8.0, 10.0)."""
+    note = Path(prefix) / "wineserver"
+    name = note.read_text() if note.exists() else ""
+    if re.fullmatch(r"wine-\w{6}", name):
+        for place in (f"/run/user/{os.getuid()}", "/tmp"):
+            shutil.rmtree(Path(place) / name, ignore_errors=True)
+
+
 class Server:
     """A Wine server in the foreground. `start` takes a command and returns its Popen. The server
     ends some seconds after the last Windows program, or if `persistent` only when it is asked to."""
@@ -104,28 +114,15 @@ class Server:
     def __init__(self, start, persistent=False):
         self.process = start([SERVER, "--foreground", *(["--persistent"] if persistent else [])])
         # Programs that ask for the server too early would start a second one.
-        self._folder = wait_until(self._listening_folder, "the Wine server to start")
+        wait_until(self._listens, "the Wine server to start")
 
-    def remove_folder(self):
-        """Removes what the server leaves behind. Call it after the server's end."""
-        shutil.rmtree(self._folder, ignore_errors=True)
-        with suppress(OSError):  # shared with the servers of other prefixes
-            self._folder.parent.rmdir()
-
-    def _listening_folder(self):
-        """Returns the folder of the server's socket once the server takes connections, or None.
-
-        It is called server-NUMBERS, below a folder with a random name in /run/user or /tmp. The
-        server works in it, but for a moment in which it reads the registry (8.0, 10.0)."""
+    def _listens(self):
         if self.process.poll() is not None:
             raise DeskError(f"the Wine server has ended with code {self.process.returncode}")
-        process = Path(f"/proc/{self.process.pid}")
         sockets = {f"socket:[{words[6]}]" for words in
                    map(str.split, Path("/proc/net/unix").read_text().splitlines())
                    if words[3] == ACCEPTS_CONNECTIONS}
         with suppress(OSError):  # a file was closed meanwhile
-            folder = (process / "cwd").readlink()
-            if folder.name.startswith("server-") and any(
-                    str(entry.readlink()) in sockets for entry in (process / "fd").iterdir()):
-                return folder
-        return None
+            return any(str(entry.readlink()) in sockets
+                       for entry in Path(f"/proc/{self.process.pid}/fd").iterdir())
+        return False
