@@ -22,7 +22,7 @@ Followed = namedtuple("Followed", "begin end judged wrong gaps")
 ROUNDING = 2
 
 
-def follow(heard, song, first=0):
+def follow(heard, song, first=0, tolerance=ROUNDING):
     """Finds `heard` in the song, both arrays of rows of left, right. It is looked for close behind
     the song's frame `first`: in the whole song it would now and then be found in a wrong place,
     since some seconds of a tracker song come again note for note.
@@ -31,7 +31,9 @@ def follow(heard, song, first=0):
     on behind it. So the pieces between such silences are looked for one by one, each behind the one
     before. Now and then a moment of the song is lost already shortly before the silence. A player
     that is late is heard as older music, and on its buffer's first lap alone as silence, which then
-    begins where the halves meet: whoever asks looks at the gaps."""
+    begins where the halves meet: whoever asks looks at the gaps.
+
+    A frame is wrong if it differs by more than `tolerance`."""
     silence = max(CLICK, longest_silence(song[sounding(song)[0]:]))
     begin, end, judged, wrong, gaps, unsure = None, first, 0, 0, [], 0
     for piece in pieces_between(heard, silence):
@@ -44,30 +46,37 @@ def follow(heard, song, first=0):
         else:
             gaps.append(end)
         piece = piece[:len(song) - place]
-        faithful = frames_before_a_loss(piece, song[place:])
+        faithful = frames_before_a_loss(piece, song[place:], tolerance)
         piece, unsure = piece[:faithful], len(piece) - faithful
         end = place + len(piece)
         judged += len(piece)
-        wrong += len(wrong_frames(piece, song[place:end]))
+        wrong += len(inner(wrong_frames(piece, song[place:end], tolerance), piece))
     assert begin is not None, "the song is not heard"
     return Followed(begin, end + unsure, judged, wrong, gaps)
 
 
-def wrong_frames(heard, song):
-    """Which frames of two pieces of the same length differ by more than rounding."""
-    return numpy.nonzero(numpy.abs(heard - song.astype(int)).max(axis=1) > ROUNDING)[0]
+def wrong_frames(heard, song, tolerance):
+    """Returns which frames of two pieces of the same length differ by more than `tolerance`."""
+    return numpy.nonzero(numpy.abs(heard - song.astype(int)).max(axis=1) > tolerance)[0]
 
 
-def frames_before_a_loss(piece, song):
+def inner(frames, piece):
+    """Returns those of `frames` that do not lie in the first or the last millisecond of a piece,
+    beside a silence: the sound server and the mixer may round its edges off."""
+    return frames[(frames >= CLICK) & (frames < len(piece) - CLICK)]
+
+
+def frames_before_a_loss(piece, song, tolerance):
     """How much of `piece` lies before the place, close to its end, from where on it is the song of
     a later moment without any fault; all of it without such a place."""
-    wrong = wrong_frames(piece, song[:len(piece)])
+    wrong = inner(wrong_frames(piece, song[:len(piece)], tolerance), piece)
     rest = piece[wrong[0]:] if len(wrong) else piece[:0]
     if not CLICK < len(rest) <= AHEAD:
         return len(piece)
     later = song[wrong[0]:wrong[0] + SKIP + len(rest)]
     place = find_place(rest, later)
-    return len(piece) if len(wrong_frames(rest, later[place:place + len(rest)])) else int(wrong[0])
+    faulty = wrong_frames(rest, later[place:place + len(rest)], tolerance)
+    return len(piece) if len(faulty) else int(wrong[0])
 
 
 def find_place(heard, song):

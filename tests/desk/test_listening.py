@@ -76,6 +76,17 @@ def test_a_click_shortly_before_a_silence_is_wrong(heard, song):
     assert follow(with_silence(heard, 2 * RATE, 1000), song).wrong > 0
 
 
+def test_the_rounded_edges_of_a_silence_are_not_judged(heard, song):
+    heard[2 * RATE - 20:2 * RATE + 20] //= 2
+    found = follow(with_silence(heard, 2 * RATE, 1000), song)
+    assert (found.wrong, found.gaps) == (0, [START + 2 * RATE])
+
+
+def test_a_click_two_milliseconds_from_a_silence_is_wrong(heard, song):
+    heard[2 * RATE + 80:2 * RATE + 90] = 0
+    assert follow(with_silence(heard, 2 * RATE, 1000), song).wrong > 0
+
+
 def test_older_music_shortly_before_a_silence_is_wrong(heard, song):
     heard[2 * RATE - 1900:2 * RATE] = heard[RATE - 1900:RATE]
     assert follow(with_silence(heard, 2 * RATE, 1000), song).wrong > 1800

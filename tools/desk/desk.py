@@ -124,7 +124,7 @@ class Desk:
         program.let_run()
         self.screen.key_up(*keys)
 
-    def wait_picture(self, seen, what, limit=30.0):
+    def wait_picture(self, seen, what, limit=120.0):
         """Waits until `seen` says yes to the screen's pixels, and gives those pixels."""
         def look():
             pixels = self.screen.pixels()

@@ -29,7 +29,7 @@ class Program:
     def alive(self):
         return self._starter.poll() is None
 
-    def wait_end(self, limit=30.0):
+    def wait_end(self, limit=120.0):
         """Waits for the end and gives the exit code: its low 8 bits, as the system passes it on."""
         wait_until(lambda: not self.alive(), "the program to end", limit)
         return self._starter.returncode

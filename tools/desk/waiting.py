@@ -7,7 +7,7 @@ class DeskError(Exception):
     """Something on the desk did not happen, told in one sentence."""
 
 
-def wait_until(condition, what, limit=30.0, pause=0.01):
+def wait_until(condition, what, limit=120.0, pause=0.01):
     """Asks `condition` until its answer is true and gives that answer.
 
     `what` completes the sentence "waited in vain for ..." when `limit` seconds have passed.
