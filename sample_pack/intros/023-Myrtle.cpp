@@ -3,6 +3,28 @@
 #include "stage.h"
 const char Intro_Title[] = "Myrtle Home Computer Loader Remake";
 
+const char Intro_Tune[] = R"(
+// A home computer with one sound chip of three voices: it beeps, loads, and then plays for itself.
+tempo 120
+volume 51
+lead = pulse width 50 adsr 2 150 60 80 vibrato 6 22 level 40
+harmony = pulse width 25 adsr 2 200 60 20 arpeggio 50 level 30
+bass = triangle adsr 1 160 75 30 level 70
+bell = pulse width 50 adsr 1 180 0 30 level 30
+key = noise adsr 1 14 0 6 highpass 2500 20 level 34
+tape = pulse width 50 adsr 2 10 100 10 hold 900 12 level 26
+T bell o5 l8 b >e r4 r2 | r1 | r1
+T key l16 r8 x r x x r x x r x x r x x r | r1 | r2 r4 r x x r
+T tape o5 l1 r | e2 g2 | e2 r2
+V lead o5 l8 g4 b- >d4 c <b- a | b-4 g4 d2 | e-4 g b-4 a g f | g2. r4 |
+  g4 b- >d4 f e- d | c4. d e-4 <a4 | b-4 a g4 f+ g a | g2 r2
+V harmony o4 l1 (g b- >d) | (g b- >d) | (e- g b-) | (d g b-) | (g b- >d) | (c e- a) | (d f+ a) | (g b- >d)
+V bass o2 l8 [g g > g <]2 g g | [g g > g <]2 g g | [e- e- > e- <]2 e- e- | [d d > d <]2 d d |
+  [g g > g <]2 g g | [c c > c <]2 c c | [d d > d <]2 d d | [g g > g <]2 g d
+V key l8 r4 x r r4 x r16 x16
+play |: T V
+)";
+
 namespace {
 constexpr int left = 64, top = 56, columns = 24, rows = 17, cell = 16;
 constexpr Colour frame = 0x6CB088, screen = 0x18402C, text = 0xA8F0B8;

@@ -2,6 +2,33 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 11 Ripples";
 
+const char Intro_Tune[] = R"(
+// Rain on a pool: each drop is a note; two marimbas of unequal length drift through each other.
+tempo 112
+volume 58
+delay 3/16 40
+reverb 60
+drop = sine adsr 1 420 0 120 fm 3.98 1.2 60 level 34 pan -35 delay 25 reverb 25
+wood = drop pan 35 level 32
+splash = sine adsr 3 500 0 200 drop -10 300 fm 0.5 1.5 300 level 30 delay 50 reverb 60
+pool = triangle adsr 400 500 80 900 detune 10 level 17 reverb 50
+bass = sine adsr 10 600 30 200 level 50 reverb 15
+rain = noise adsr 1500 500 100 1500 bandpass 4800 5 wobble 0.12 0.4 level 7 reverb 10
+A drop o5 l8 e b g >d <b >e <a b | e b g >d <b >e <a r
+A wood o4 l8 b >e <g >d e r <b >e <g r a b b >e <g >d e r <b >e <g r a b16 b16 b >e <g >d r2
+A pool o4 l1 (e g b) | (e g b) | (d g b) | (e a b)
+A bass o2 l2. e2. b4 | e2. a4 | g2. d4 | a2 b2
+A splash o5 l1 e | r | r | b
+A rain l1 x^1^1^1
+B drop o5 l8 c+ a e b a >c+ <f+ a | c+ a e b a >c+ <f+ r
+B wood o4 l8 a >c+ <e b >e r <a b | a >e <f+ b >c+ r <a r
+B pool o4 l1 (c+ e a) | (c+ f+ a) | (d f+ b) | (e g+ b)
+B bass o2 l2. a2. e4 | f+2. c+4 | d2. a4 | e2 b2
+B splash o5 l1 a | r | f+ | r
+B rain l1 x^1^1^1
+play |: A A B A B B
+)";
+
 namespace {
 constexpr int poolWidth = Canvas_Width / 2, poolHeight = Canvas_Height / 2;
 constexpr int tile = 24;
