@@ -23,7 +23,7 @@ A bass o2 l8 [d >d<]4 | [g >g<]4 | [f >f<]4 | [a >a<]4 | [d >d<]4 | [f >f<]4 | [
 B lead o5 l16 a8 a g f e f8 d8 e8 f4 | g8 g f e d e8 c8 d8 e4 | f8 f e d c+ d8 e8 f8 g4 | a4 >c+4 <a2 |
   b-8 b- a g f g8 b-8 a8 g4 | a8 a g f e f8 a8 g8 f4 | e8 f8 g8 e8 c+8 d8 e8 c+8 | d4 d8 d8 d4 r4
 B second o5 l8 f4. f d c+ d4 | e4. e c <b >c4 | d4. d <b-4 >d4 | e4 e4 c+2 |
-  d4. d d4 c <b- | >c4. c c4 <b- a | a4 b-4 g4 a4 | f4 f8 f8 f4 r4
+  d4. d d4 c <b- | >c4. c c4 <b- a | a4 a4 g4 a4 | f4 f8 f8 f4 r4
 B chip o4 l1 (d f a) | (c e g) | (<b- >d f) | (<a >c+ e) | (g b- >d) | (f a >c) | (e g a) | (d f a)
 B bass o2 l8 [d >d<]4 | [c >c<]4 | [<b->b-]4 | [a >a<]4 | [g >g<]4 | [f >f<]4 | [a >a<]4 | [d >d<]4
 A kick l8 x r r x r x r r
@@ -82,9 +82,11 @@ void drawPlate(Canvas& canvas, float time) {
         }
 }
 
-void drawNail(Canvas& canvas, Point centre) {
-    Canvas_PaintBall(canvas, centre, 7, 7, [](float x, float y, float z) {
-        const float light = 0.5f * z - 0.45f * (x + y), spark = Num_Smooth(0.75f, 1, light);
+// A nail gleams when it is struck.
+void drawNail(Canvas& canvas, Point centre, float struck) {
+    Canvas_PaintBall(canvas, centre, 7, 7, [=](float x, float y, float z) {
+        const float light = 0.5f * z - 0.45f * (x + y),
+                    spark = Num_Smooth(0.75f, 1, light) + 0.8f * struck * z;
         return Colour_Make(light + spark, light * 0.92f + spark, light * 0.78f + spark);
     });
 }
@@ -107,8 +109,10 @@ void Intro_Draw(Canvas& canvas, float time) {
     drawBars(bars, time);
     canvas = bars;
     drawPlate(canvas, time);
-    for (int nail = 0; nail < 28; ++nail)
-        drawNail(canvas, {52 + float(nail / 2) * 31.4f, nail & 1 ? 132.0f : 236.0f});
+    const NoteState blow = Music_NoteAt("nail", time);
+    for (int nail = 0; nail < 28; ++nail) // every other blow meets the upper row
+        drawNail(canvas, {52 + float(nail / 2) * 31.4f, nail & 1 ? 132.0f : 236.0f},
+                 (nail & 1) == (blow.number & 1) ? blow.level : 0);
     drawName(canvas, bars);
     Canvas_Bar(canvas, 0, 350, Canvas_Width, 34, 0xC08040);
     Canvas_Bar(canvas, 0, 352, Canvas_Width, 32, 0x000000);

@@ -1,5 +1,5 @@
 // A struck plate of tin rings, and the sand upon it gathers in figures where the plate stands
-// still. Each tone has its own figure; one passes into the next.
+// still. Each stroke has its own figure; one passes into the next.
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 1 V4 Ringing Tinplate";
 
@@ -37,7 +37,6 @@ play |: A B
 namespace {
 constexpr int figureCount = 7, mostWaves = 8;
 constexpr int waves[figureCount][2] = {{1, 3}, {2, 5}, {3, 5}, {1, 6}, {4, 7}, {3, 8}, {5, 8}};
-constexpr float secondsEach = 3;
 constexpr int plateSize = 328, plateLeft = 92, plateTop = 10;
 
 const Title name = Letters_MakeTitle("Ringing Tinplate", Face::Serif, 58, Slant::Italic);
@@ -99,14 +98,15 @@ Colour shadeTable(float x, float y, float loud) {
 void Intro_Draw(Canvas& canvas, float time) {
     if (cosines[0][0] == 0) // not made yet: each begins with 1
         makeCosines();
-    const float place = time / secondsEach, within = Num_Fract(place);
-    const Tone tone = {int(place), Num_Smooth(0.75f, 1, within), 1 - 0.7f * within};
+    const NoteState stroke = Music_NoteAt("plate", time); // once in three seconds
+    const float within = stroke.age / 3;
+    const Tone tone = {stroke.number, Num_Smooth(0.75f, 1, within), 1 - 0.7f * within};
     Canvas_Fill(canvas, [=](float x, float y) { return shadeTable(x, y, tone.loud); });
     for (int y = 0; y < plateSize; ++y)
         for (int x = 0; x < plateSize; ++x)
             canvas.pixels[plateTop + y][plateLeft + x] = shadePlate(tone, x, y, time);
     Letters_PaintTitle(canvas, name, 326, 0x000000, [](float x, float y) {
-        const float light = 0.6f + 0.4f * Num_Sin(y / 40 + x / 400);
+        const float light = 0.86f + 0.14f * Num_Sin(y / 40 + x / 400);
         return Colour_Make(light * 0.95f, light, light * 1.12f);
     });
 }

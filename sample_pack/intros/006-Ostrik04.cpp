@@ -16,7 +16,7 @@ sub = sine adsr 500 1000 80 1500 level 42
 current = noise adsr 3000 1000 80 3000 lowpass 350 20 wobble 0.13 1.2 level 26 reverb 30
 bubble = sine adsr 2 120 20 60 drop -14 110 level 14 pan 20 delay 30 reverb 40
 sonar = sine adsr 4 1400 0 500 level 12 reverb 90 delay 60
-A deep o3 l1 (e b >f+ g) | (e b >f+ g) | (c g b >d) | (c g b >d) | (<a >e b >c) | (<a >e b >c) |
+A deep o3 l1 (e b >f+ g) | (e b >f+ g) | (c g b >d) | (c g b >d) | (<a >e g >c) | (<a >e g >c) |
   (d a >c+ e) | (d a >c+ e)
 A high o5 l1 r | b | r | >d< | r | >c< | r | a2 f+2
 A light o5 l8 r4 b >e r f+ r4 | r1 | r4 <g >d r e r4 | r2 <b4 r4 | r4 e b r >c r4 | r1 |

@@ -28,7 +28,8 @@ A bell o6 l8 r1 | r2 >c r <g r | r1 | r2 a r4. | r1 | r2 g r >d< r | r1 | r4 d r
 C principal o5 l4 d2 e f | a2 g2 | f e d e | c2 d2 | a2 a b | >c2 <b a | g a f e | d1
 C reed o4 l2 (a >d) (a >c) | (>c f) (c e) | (<a >d) (<a >c) | (<g >c) (<a >d) |
   (>c f)1 | (e a) (d g) | (c e) (<a >c) | (<f a >d)1
-C choir o4 l1 (d f a) | (f a >c) | (d f a) | (c e g) | (f a >c) | (e a >c) | (c e g) | (d f a)
+C choir o4 l2 (d f a) (d f a) | (f a >c) (e g >c) | (d f a) (c e a) | (c e g) (d f a) |
+  (f a >c) (f a >c) | (e a >c) (d g b) | (c e g) (c e a) | (d f a) (d f a)
 C pedal o2 l2 d a | f c | d a | c d | f f | a g | c a | d1
 play |: A B C B
 )";

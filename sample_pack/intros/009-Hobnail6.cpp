@@ -7,7 +7,7 @@ const char Intro_Tune[] = R"(
 // A turbo loader: its pilot tone, data that chirps along, and a driving beat over it in E minor.
 tempo 144
 delay 1/8 35
-pilot = pulse width 50 adsr 5 50 100 30 level 13 pan -20
+pilot = pulse width 50 adsr 5 50 100 30 vibrato 7 12 level 11 pan -20
 data = pulse width 50 adsr 2 20 100 10 hold 700 13 level 12 pan 20
 chirp = pulse width 35 adsr 1 90 0 10 drop 26 60 level 17 pan 40 delay 30
 lead = pulse width 25 adsr 2 150 60 80 vibrato 6 20 level 25 delay 25
@@ -16,9 +16,9 @@ stab = pulse width 50 adsr 1 160 30 40 arpeggio 48 level 16 pan -30 delay 30
 kick = sine adsr 1 140 0 10 drop 34 35 key c2 level 90
 snare = noise adsr 1 120 0 10 bandpass 2200 10 level 60
 hat = noise adsr 1 25 0 10 highpass 8500 0 level 20
-P pilot o6 l1 c | c | r | r
-P data o5 l1 r | r | e | e2 f+2
-P chirp o6 l16 r1 | r2. e r g b | r1 | r2 b g e r b g e r
+P pilot o6 l1 c | r | r | r
+P data o5 l1 r | e | e | e2 f+2
+P chirp o6 l16 r2. e r g b | r1 | r2 b g e r r4 | r2 b g e r b g e r
 P kick l4 r1 | r1 | x x x x | x x x x8 x8
 P bass o1 l16 r1 | r1 | [e r e e]4 | [e r e e]4
 A bass o1 l16 [e r e e > e < e r e]2 | [e r e e > e < e r e]2 | [g r g g > g < g r g]2 |
@@ -50,11 +50,13 @@ constexpr float secondsToLoad = 24;
 
 const Lettering name = Letters_Make("HOBNAIL", Face::Sans, 84, Slant::Italic);
 
-// The stripes' heights change with what is read: short ones for zeros, long ones for ones.
+// The stripes' heights change with what is read: short ones for zeros, long ones for ones. The drum
+// makes all of them broad.
 void drawBorder(Canvas& canvas, float time) {
-    const int moment = int(time * 30);
+    const int moment = int(12 * Music_BeatAt(time));
+    const float broad = 9 + 24 * Music_NoteAt("kick", time).level;
     for (int y = 0, count = 0; y < Canvas_Height; ++count) {
-        const int high = 3 + int(9 * Num_Hash(count, moment));
+        const int high = 3 + int(broad * Num_Hash(count, moment));
         const int choice = int(10 * Num_Hash(count, moment / 2 + 77));
         Canvas_Bar(canvas, 0, y, Canvas_Width, high, stripes[choice]);
         y += high;

@@ -44,7 +44,6 @@ play I |: A B A B+5
 
 namespace {
 constexpr int fireWidth = Canvas_Width / 2, fireHeight = Canvas_Height / 2;
-constexpr float secondsEach = 1.1f; // from stroke to stroke
 constexpr int sparkCount = 130;
 constexpr Colour heats[] = {0x060204, 0x300804, 0x801404, 0xD84008, 0xFF9020, 0xFFE070, 0xFFFFE0};
 constexpr Point iron = {268, 254};
@@ -127,7 +126,9 @@ void Intro_Draw(Canvas& canvas, float time) {
     static int step = 0;
     for (int due = Stage_TakeSteps(time, 60); due > 0; --due)
         stepFire(++step);
-    const float beat = Num_Fract(time / secondsEach), flash = Num_Clamp(1 - 3 * beat);
+    const float beat = Num_Fract(Music_BeatAt(time) / 2); // the hammer comes down every two beats
+    const NoteState stroke = Music_NoteAt("hammer", time);
+    const float flash = Num_Clamp(1 - 2.7f * stroke.age);
     Canvas_Fill(canvas, [=](float x, float y) { return shadeFire(int(x), int(y), flash); });
     drawHammer(canvas, beat);
     Letters_PaintTitle(canvas, name, 26, 0x000000, [=](float x, float y) {
@@ -136,5 +137,5 @@ void Intro_Draw(Canvas& canvas, float time) {
     });
     drawAnvil(canvas, flash);
     for (int spark = 0; spark < sparkCount; ++spark)
-        drawSpark(canvas, spark, int(time / secondsEach), beat * secondsEach);
+        drawSpark(canvas, spark, stroke.number, stroke.age);
 }

@@ -91,7 +91,8 @@ void Intro_Draw(Canvas& canvas, float time) {
     if (tile[0][0] == 0)
         makeTile();
     const float turn = 0.04f * time + 0.12f * Num_Sin(0.09f * time);
-    const float zoom = 0.95f - 0.55f * Num_Cos(0.10f * time);
+    const float blow = 0.06f * Music_NoteAt("press", time).level; // the press shakes the table
+    const float zoom = (0.95f - 0.55f * Num_Cos(0.10f * time)) * (1 - blow);
     const float cosine = zoom * Num_Cos(turn), sine = zoom * Num_Sin(turn);
     const float left = 60 * time + 128, top = 110 + 90 * Num_Sin(0.05f * time);
     Canvas_Fill(canvas, [=](float x, float y) {

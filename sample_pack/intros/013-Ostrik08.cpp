@@ -108,9 +108,10 @@ constexpr Part parts[] = {
     {-26, 84, 4.5f, 4, 0x201810}, {-9, 92, 3.6f, 4.2f, 0x100808}, {-10, 94, 1.2f, 1.2f, 0xFFFFFF},
     {-14, 56, 7, 11, 0x845C34},   {12, 52, 8, 12, 0x7C5430}};
 
-// Sits up, ducks, and sits up again.
+// Sits up, ducks when somebody whistles, and sits up again.
 void drawMarmot(Canvas& canvas, float left, float size, float time) {
-    const float up = Num_Smooth(-1, -0.8f, Num_Sin(0.14f * time));
+    const float since = Music_NoteAt("whistle", time).age;
+    const float up = 1 - Num_Smooth(0.1f, 0.3f, since) * Num_Smooth(2.6f, 2.0f, since);
     const float nod = 2 * Num_Sin(0.8f * time), foot = 396 + (1 - up) * 92 * size;
     for (const Part& part : parts) {
         const Point centre = {left + size * part.x, foot - size * part.y + (part.y > 70 ? nod : 0)};
@@ -131,10 +132,10 @@ void Intro_Draw(Canvas& canvas, float time) {
     const Point eye = {40 + 34 * time, 100 + 90 * Num_Sin(0.02f * time)};
     for (int column = 0; column < Canvas_Width; ++column)
         drawColumn(canvas, column, turn, eye);
-    Letters_PaintTitle(canvas, name, 14, 0x3C68A0, [](float x, float y) {
-        const bool isSnow = y < 34 + 9 * Num_Noise(x / 9, 3);
-        return isSnow ? 0xFFFFFF : Colour_Mix(0x34588C, 0x102848, (y - 34) / 40);
+    Letters_PaintTitle(canvas, name, 14, 0x0A2048, [](float x, float y) {
+        const bool isSnow = y < 40 + 9 * Num_Noise(x / 9, 3);
+        return isSnow ? 0xFFFFFF : Colour_Mix(0xFFE8A0, 0xF09830, (y - 40) / 34);
     });
     drawMarmot(canvas, 412, 1.35f, time);
-    drawMarmot(canvas, 322, 0.7f, time * 1.2f + 3.4f);
+    drawMarmot(canvas, 322, 0.7f, time - 0.2f); // the smaller one is a little later
 }

@@ -36,7 +36,7 @@ namespace {
 constexpr int left = 64, top = 48, width = 384, height = 288;
 constexpr int square = 16; // the side of a colour square; lines come in groups of it
 constexpr int columns = width / square, squares = columns * (height / square);
-constexpr float toneTime = 1, lineTime = 8, colourTime = 3, showTime = 8;
+constexpr float toneTime = 1, lineTime = 8, colourTime = 3; // as long as the tune's sections
 
 const Lettering name = Letters_Make("The Wren and Sparrow", Face::Serif, 38, Slant::Italic);
 
@@ -122,7 +122,7 @@ Colour shadeLoaded(int x, int y, float lines, float colours) {
 void Intro_Draw(Canvas& canvas, float time) {
     if (picture.pixels[0][0] == 0)
         drawPicture();
-    const float phase = std::fmod(time, toneTime + lineTime + colourTime + showTime);
+    const float phase = Music_LoopTimeAt(time);
     const float lines = (phase - toneTime) / lineTime * float(height);
     const float colours = (phase - toneTime - lineTime) / colourTime * float(squares);
     drawBorder(canvas, phase, time);

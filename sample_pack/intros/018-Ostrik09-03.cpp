@@ -53,9 +53,10 @@ struct Side {
     bool isSeen;
 };
 
-// Thrown across the sheet, bouncing from lower edge to lower edge.
+// Thrown across the sheet, bouncing from lower edge to lower edge every eight beats.
 Vector placeBody(int number, float time) {
-    const float share = Num_Fract(time * 0.065f + float(number) / float(bodyCount) + 0.12f);
+    const float beat = Music_BeatAt(time);
+    const float share = Num_Fract(beat / 24 + float(number) / float(bodyCount));
     const float hop = Num_Fract(share * 3);
     return {4.4f * share - 2.2f, 0.52f - 2.6f * hop * (1 - hop), 3.6f};
 }

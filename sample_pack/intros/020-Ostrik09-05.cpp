@@ -40,7 +40,7 @@ C night o3 l1 (c g) | (d a)
 D embers l1 x^1^1^1
 D water l1 x^1^1^1
 D hiss l1 x^1^1^1
-D whistle o6 l1 e2 g2^1 | b1^2 g2
+D whistle o6 l1 e2 g2^1 | b1^2 f+2
 D bubble o4 l16 e b g b >e <b a e c g b e a b >c <g | c e b g a b e >c <g b a e >c <b e g
 D lid l16 x r x x r x x r x x r x r x x r | x x r x x r x r x x x r x r r x
 D spit l8 x r r x r x r r

@@ -99,7 +99,8 @@ void drawFacet(Canvas& canvas, int number, Vector turns, float flicker) {
 void Intro_Draw(Canvas& canvas, float time) {
     if (facets[0].corners[0].y == 0)
         cutFacets();
-    const float flicker = 0.86f + 0.14f * Num_Noise(2.2f * time, 0);
+    const float tone = Music_NoteAt("celesta", time).level; // the light breathes with the melody
+    const float flicker = 0.80f + 0.12f * Num_Noise(2.2f * time, 0) + 0.22f * tone;
     const Vector turns = {0.015f * Num_Sin(0.08f * time), 0.055f * time, 0.02f};
     Canvas_Fill(canvas, [=](float x, float y) { return shadeRoom(x, y, flicker); });
     for (int number = 0; number < facetCount; ++number)

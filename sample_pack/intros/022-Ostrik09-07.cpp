@@ -109,7 +109,7 @@ void drawRibbon(Canvas& canvas, int finch, float time) {
 void drawFinch(Canvas& canvas, int finch, float time) {
     const Point at = flyTo(finch, time);
     const float side = flyTo(finch, time + 0.05f).x > at.x ? 1 : -1;
-    const float beat = Num_Sin(3.2f * time + 0.27f * float(finch));
+    const float beat = Num_Sin(2 * Music_BeatAt(time) + 0.27f * float(finch));
     const auto place = [=](float x, float y) { return Point{at.x + side * x, at.y + y}; };
     const Point body[] = {place(17, -2), place(11, -7), place(4, -7), place(-9, -1), place(-22, 2),
                           place(-20, 5), place(-7, 6),  place(6, 6),  place(12, 2)};

@@ -1,4 +1,5 @@
-// Rain on a tiled pool: the waves spread, cross and bend the sight of the ground.
+// Rain on a tiled pool, a drop to each note: the waves spread, cross and bend the sight of the
+// ground.
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 11 Ripples";
 
@@ -61,14 +62,15 @@ void stepWater() {
     current = 1 - current;
 }
 
-// Drops by chance, and now and then something heavier.
-void stepRain(int step) {
-    stepWater();
-    const float x = float(poolWidth) * Num_Hash(step, 1), y = float(poolHeight) * Num_Hash(step, 2);
-    if (step % 9 == 0)
-        letFall(x, y, 2 + 3 * Num_Hash(step, 3), 1.6f);
-    if (step % 150 == 20)
-        letFall(x, y, 9, 4);
+// A drop falls with each note of an instrument, each at a place of its own.
+void dropNotes(const char* instrument, float time, int& fallen, float reach, float force) {
+    const NoteState note = Music_NoteAt(instrument, time);
+    if (note.number == fallen)
+        return;
+    fallen = note.number;
+    letFall(float(poolWidth) * Num_Hash(fallen, note.pitch),
+            float(poolHeight) * Num_Hash(note.pitch, fallen),
+            reach * (0.6f + 0.6f * Num_Hash(fallen, 3)), force);
 }
 
 // Small tiles in blue, and a border in gold.
@@ -112,13 +114,13 @@ Colour shadeWater(float x, float y) {
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float time) {
-    static int step = 0;
-    if (step == 0) {
+    static int drops = 0, woods = 0, splashes = 0;
+    if (ground.pixels[0][0] == 0)
         layGround();
-        for (; step < 120; ++step)
-            stepRain(step);
-    }
     for (int due = Stage_TakeSteps(time, 75); due > 0; --due)
-        stepRain(++step);
+        stepWater();
+    dropNotes("drop", time, drops, 4, 1.6f);
+    dropNotes("wood", time, woods, 4, 1.6f);
+    dropNotes("splash", time, splashes, 9, 4);
     Canvas_Fill(canvas, shadeWater);
 }

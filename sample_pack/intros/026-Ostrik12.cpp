@@ -152,7 +152,7 @@ void Intro_Draw(Canvas& canvas, float time) {
     for (int house = 0; house < houseCount; ++house)
         drawHouse(canvas, house, time);
     drawLighthouse(canvas);
-    drawBeam(canvas, 0.11f * time + 0.35f);
+    drawBeam(canvas, Music_BeatAt(time) / 12 + 0.25f); // towards the eye when the horn sounds
     drawWater(canvas, time);
     drawBoat(canvas, time);
 }

@@ -30,7 +30,7 @@ B tick l16 v90 x v30 x v60 x v40 x
 B tock l8 x r x r
 B kick l8 x r r x r x r r
 B snap l4 r x r x16 x16 x8
-B bass o1 l8 f2. f8 f8 | d-2. d-8 d-8 | b-2. b-8 b-8 | c2 e-4 c4
+B bass o1 l8 f2. f8 f8 | d-2. d-8 d-8 | b-2. b-8 b-8 | c2 g4 c4
 B hum o4 l1 (f a- >c) | (d- f a-) | (<b- >d- f) | (c e g)
 B glyph o6 l16 c r r <a-> r r <f> r c r r e- r <b-> r r | d- r r <a-> r r <f> r d- r r e- r f r r |
   f r r d- r r <b-> r f r r e- r d- r r | g r r e r r c r g r r f r e r r
@@ -76,16 +76,18 @@ float lightAt(int column, int row, float time) {
     return light;
 }
 
-// The name glows in the signs that lie on it, and a little between them.
-void drawCell(Canvas& canvas, int column, int row, float time) {
+// The name glows in the signs that lie on it, and a little between them. Signs change with the
+// ticks that are heard, some at every one and some more rarely.
+void drawCell(Canvas& canvas, int column, int row, float time, float kick) {
     const float rain = lightAt(column, row, time);
-    const int sign = int(time * (0.6f + 3 * Num_Hash(column, row))) + 97 * column + 13 * row;
+    const int ticks = int(4 * Music_BeatAt(time)), every = 1 + int(7 * Num_Hash(column, row));
+    const int sign = (ticks + column) / every + 97 * column + 13 * row;
     for (int y = 0; y < cell; ++y)
         for (int x = 0; x < cell; ++x) {
             const int left = column * cell + x, top = row * cell + y;
             const float kept = Letters_CoverAt(name, left - Letters_Centred(name),
                                                top - (Canvas_Height - name.height) / 2);
-            const float light = Num_Mix(rain * 0.85f, 0.80f + 0.2f * rain, kept);
+            const float light = Num_Mix(rain * 0.85f, 0.74f + 0.2f * rain + 0.22f * kick, kept);
             canvas.pixels[top][left] =
                 Colour_Ramp(glow, isSet(sign, x, y) ? light : 0.10f * rain + 0.42f * kept);
         }
@@ -99,9 +101,10 @@ float tubeAt(float x, float y) {
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float time) {
+    const float kick = Music_NoteAt("kick", time).level;
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
-            drawCell(canvas, column, row, time);
+            drawCell(canvas, column, row, time, kick);
     for (int number = 0; number < 2 * columns; ++number) {
         const float head = Num_Floor(dropAt(number / 2, number % 2, time).head);
         Canvas_Glow(canvas, {float(number / 2 * cell) + 3.5f, head * cell + 3.5f}, 13, 0x188030);

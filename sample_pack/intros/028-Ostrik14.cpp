@@ -40,7 +40,6 @@ play |: A A B A B+2
 
 namespace {
 constexpr Colour sides[] = {0xFF3C78, 0xFFC020, 0x18C0B0, 0x6848E8};
-constexpr float reach = 104; // half the pillar's width at its broadest
 constexpr int letterSize = 150;
 
 const Lettering letters[] = {
@@ -87,7 +86,8 @@ Colour shadeSide(int side, float across, int y, float facing) {
 }
 
 // One row of one side, between two of the pillar's four edges; those that look away are not seen.
-void drawSide(Canvas& canvas, int side, int y, float centre, float twist) {
+// `reach` is half the pillar's width at its broadest.
+void drawSide(Canvas& canvas, int side, int y, float centre, float twist, float reach) {
     const float left = centre + reach * Num_Cos(twist + 0.25f * float(side));
     const float right = centre + reach * Num_Cos(twist + 0.25f * float(side) - 0.25f);
     for (int x = int(left); float(x) < right; ++x) {
@@ -98,7 +98,7 @@ void drawSide(Canvas& canvas, int side, int y, float centre, float twist) {
     }
 }
 
-void drawShadow(Canvas& canvas, int y, float centre, float twist) {
+void drawShadow(Canvas& canvas, int y, float centre, float twist, float reach) {
     const float spread = reach * (0.7f + 0.3f * std::fabs(Num_Cos(2 * twist)));
     for (int x = 0; x < Canvas_Width; ++x) {
         const float away = std::fabs(float(x) - centre - 26) - spread;
@@ -109,14 +109,15 @@ void drawShadow(Canvas& canvas, int y, float centre, float twist) {
 
 void Intro_Draw(Canvas& canvas, float time) {
     static Canvas ground;
+    const float reach = 100 + 11 * Music_NoteAt("kick", time).level;
     drawGround(ground, time);
     canvas = ground;
     for (int y = 0; y < Canvas_Height; ++y) {
         const float height = float(y) / float(Canvas_Height), twist = twistAt(height, time);
         const float centre = Canvas_MidX + 46 * Num_Sin(0.43f * height + 0.08f * time);
-        drawShadow(canvas, y, centre, twist);
+        drawShadow(canvas, y, centre, twist, reach);
         for (int side = 0; side < 4; ++side)
-            drawSide(canvas, side, y, centre, twist);
+            drawSide(canvas, side, y, centre, twist, reach);
     }
     PixelFont_Write(canvas, "OSTRIK", 20, 20, 2, 0x602040);
     PixelFont_Write(canvas, "INTRO 14", 20, 40, 2, 0x602040);
