@@ -3,6 +3,38 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Tessel Intro 1";
 
+const char Intro_Tune[] = R"(
+// A canon: three voices with the same four phrases, which fit into each other like the tiles.
+tempo 88
+volume 80
+reverb 45
+upper = saw adsr 1 500 15 120 lowpass 3200 10 sweep 1.5 80 level 30 pan -35 reverb 22
+middle = upper pan 35 level 27
+lower = pulse width 30 adsr 1 600 20 120 lowpass 1500 10 sweep 2 90 level 32 reverb 20
+bass = triangle adsr 4 500 60 120 level 50 reverb 12
+bird = sine adsr 20 60 50 60 vibrato 28 120 drop -9 90 level 9 pan 50 reverb 50
+A bass o2 l4 g >c d e | c <g a >d
+B bass o2 l8 g b >c e d f+ e <b | >c e <g b a >c d <f+
+A upper o5 l4 d e f+ g | e d c <a
+B upper o4 l4 b >c <a b | g b a f+
+B middle o5 l4 d e f+ g | e d c <a
+C upper o5 l8 g d e g a f+ g b | >c <g b g a e f+ a
+C middle o4 l4 b >c <a b | g b a f+
+C lower o4 l4 d e f+ g | e d c <a
+C bass o2 l4 g >c d e | c <g a >d
+D upper o5 l16 b a g a g e c e d e f+ a g f+ e g | >c <b a g b g d g a b >c <a a f+ d f+
+D middle o5 l8 g d e g a f+ g b | >c <g b g a e f+ a
+D lower o3 l4 b >c <a b | g b a f+
+D bass o2 l8 g b >c e d f+ e <b | >c e <g b a >c d <f+
+E upper o5 l4 d e f+ g | e d c d
+E middle o5 l16 b a g a g e c e d e f+ a g f+ e g | >c <b a g b g d g a b >c <a a f+ d f+
+E lower o4 l8 g d e g a f+ g b | >c <g b g a e f+ a
+E bass o2 l4 g >c d e | c <g a >d
+C bird o6 l8 r2 r d r e | r1
+E bird o6 l8 r1 | r4 g r e r d r
+play A |: B C D E D+5 E+5 C B
+)";
+
 namespace {
 constexpr int edgePoints = 9, corners = 4 * (edgePoints - 1);
 constexpr float tileSize = 92;

@@ -2,6 +2,33 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 4 Lanternfish";
 
+const char Intro_Tune[] = R"(
+// The deep: slow chords that swell like water, bells of light, and a bass that one rather feels.
+tempo 60
+volume 30
+delay 3/8 55
+reverb 95
+deep = saw adsr 1800 2000 70 3000 lowpass 420 15 wobble 0.11 0.9 detune 16 level 34 reverb 55
+high = triangle adsr 2500 2000 60 3000 detune 20 vibrato 3 15 level 13 pan 30 reverb 70
+light = sine adsr 2 1500 0 800 fm 3.01 1.6 500 level 20 pan -35 delay 60 reverb 50
+far = light level 12 pan 50
+sub = sine adsr 500 1000 80 1500 level 42
+current = noise adsr 3000 1000 80 3000 lowpass 350 20 wobble 0.13 1.2 level 26 reverb 30
+bubble = sine adsr 2 120 20 60 drop -14 110 level 14 pan 20 delay 30 reverb 40
+sonar = sine adsr 4 1400 0 500 level 12 reverb 90 delay 60
+A deep o3 l1 (e b >f+ g) | (e b >f+ g) | (c g b >d) | (c g b >d) | (<a >e g >c) | (<a >e g >c) |
+  (d a >c+ e) | (d a >c+ e)
+A high o5 l1 r | b | r | >d< | r | >c< | r | a2 f+2
+A light o5 l8 r4 b >e r f+ r4 | r1 | r4 <g >d r e r4 | r2 <b4 r4 | r4 e b r >c r4 | r1 |
+  r4 <a >e r f+ r4 | r4 c+ e r2
+A far o6 l8 r1 | r e r4 r b r4 | r1 | r4 d r g r4. | r1 | r <b r4 r >e r4 | r1 | r2 <a r4.
+A sub o1 l1 e^1 | >c^1< | a^1 | >d^1<
+A current l1 x^1^1^1
+A bubble o5 l16 r2. r8 c e | r1 | r4 g r d r r2 | r1 | r1 | r2 e g b r8. r8 | r1 | r8 c r8. g e r2
+A sonar o6 l1 e | r | r | r | e | r | r | r
+play |: A A-2
+)";
+
 namespace {
 constexpr int fishCount = 11;
 constexpr int snowCount = 260;

@@ -3,6 +3,37 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 5 Glasswork";
 
+const char Intro_Tune[] = R"(
+// A hymn in the dorian mode for organ, with small bells where the sun meets a pane.
+tempo 72
+volume 42
+delay 3/8 30
+reverb 97
+principal = triangle adsr 30 200 90 350 detune 7 level 30 reverb 45
+reed = saw adsr 40 200 85 350 lowpass 2200 10 detune 10 level 15 reverb 45
+flute = sine adsr 40 200 90 300 vibrato 4.5 8 breath 2 level 24 reverb 60
+choir = saw adsr 250 600 80 700 bandpass 850 35 detune 22 vibrato 4.8 12 level 25 reverb 75
+pedal = triangle adsr 50 200 90 400 detune 5 level 40 reverb 30
+bell = sine adsr 1 1500 0 800 fm 3.5 2.2 400 level 14 pan 40 delay 40 reverb 60
+A principal o4 l4 d2 e f | a2 g2 | f e d e | c2 d2 | a2 a b | >c2 <b a | g a f e | d1
+A reed o3 l2 (a >d) (a >c) | (>c f) (c e) | (<a >d) (<a >c) | (<g >c) (<a >d) |
+  (>c f)1 | (e a) (d g) | (c e) (<a >c) | (<f a >d)1
+A pedal o2 l2 d a | f c | d a | c d | f f | a g | c a | d1
+B flute o5 l4 a2. g | f e f a | g2. f | e2 c2 | d2 f g | a b >c <a | g f e c | d1
+B choir o4 l1 (d f a) | (c f a) | (c e g) | (<a >c e) | (<b- >d f) | (c f a) |
+  (<b- >d g)2 (c e g)2 | (<a >d f)
+B pedal o2 l1 d | f | c | a | b- | f | g2 c2 | d
+B bell o6 l8 r4 a r d r4 r | r1 | r4 g r e r4. | r1 | r4 f r b- r4. | r1 | r4 d r g r4. | r4 a >d <r2
+A bell o6 l8 r1 | r2 >c r <g r | r1 | r2 a r4. | r1 | r2 g r >d< r | r1 | r4 d r a r4.
+C principal o5 l4 d2 e f | a2 g2 | f e d e | c2 d2 | a2 a b | >c2 <b a | g a f e | d1
+C reed o4 l2 (a >d) (a >c) | (>c f) (c e) | (<a >d) (<a >c) | (<g >c) (<a >d) |
+  (>c f)1 | (e a) (d g) | (c e) (<a >c) | (<f a >d)1
+C choir o4 l2 (d f a) (d f a) | (f a >c) (e g >c) | (d f a) (c e a) | (c e g) (d f a) |
+  (f a >c) (f a >c) | (e a >c) (d g b) | (c e g) (c e a) | (d f a) (d f a)
+C pedal o2 l2 d a | f c | d a | c d | f f | a g | c a | d1
+play |: A B C B
+)";
+
 namespace {
 constexpr int parts = 16;
 constexpr int rings = 200, rays = 96; // one part of the window, as a picture of its own

@@ -2,6 +2,36 @@
 #include "stage.h"
 const char Intro_Title[] = "BQLV - Bluequay and Lantern Vale Inc. Intro";
 
+const char Intro_Tune[] = R"(
+// A lullaby for the lanterns: a waltz in F on a music box, with strings that come with the dusk.
+tempo 92
+meter 3/4
+volume 110
+delay 3/8 35
+reverb 88
+box = sine adsr 1 1100 0 500 fm 4 1.4 220 level 38 pan 15 delay 30 reverb 35
+harp = triangle adsr 1 900 0 400 lowpass 2600 10 level 22 pan -25 reverb 35
+strings = saw adsr 350 500 75 700 lowpass 1500 10 detune 16 vibrato 4.8 14 level 13 reverb 50
+bass = triangle adsr 10 900 30 300 level 36 reverb 20
+breeze = noise adsr 2500 500 80 2500 bandpass 600 30 wobble 0.09 1 level 13 reverb 40
+A box o5 l4 c f a | g2 f | d f b- | a2. | c f a | >c2 <a | g a b- | g2. |
+  c f a | g2 f | d f b- | >d2. | c <a f | g2 e | f2. | r2.
+A harp o4 l8 [<f> c f a f c]2 | <b-> d f b- f d | <f> c f a f c | <f> c f a f c |
+  <a> c f a f c | <g> d g b- g d | c e g >c< g e | [<f> c f a f c]2 | [<b-> d f b- f d]2 |
+  <f> c f a f c | <g >c e b- e c< | [<f> c f a f c]2
+A bass o2 l2. f | f | b- | f | f | a | g | c | f | f | b- | b- | f | c | f | f
+B box o5 l4 d2 e | f2 a | g f d | c2. | d2 e | f2 >c | <b- g e | f2. |
+  a b- >c | d2 c | <b- a g | a2. | g a b- | >c2 <e | f2. | r2.
+B strings o4 l2. (d f a) | (d f a) | (<b- >d g) | (c e g) | (<b- >d f) | (<a >c f) | (c e b-) | (c f a) |
+  (c f a) | (d f b-) | (d g b-) | (c+ e a) | (d g b-) | (c e b-) | (c f a) | (c f a)
+B bass o2 l2. d | d | g | c | b- | a | c | f | f | b- | g | a | g | c | f | f
+B harp o5 l4 r f a | r f a | r d g | r e g | r d f | r f a | r e b- | r f a |
+  r f a | r f b- | r d g | r e a | r d g | r e b- | r f a | r f a
+A breeze l2. x^2.^2.^2.^2.^2.^2.^2.
+B breeze l2. x^2.^2.^2.^2.^2.^2.^2.
+play |: A B A B+3
+)";
+
 namespace {
 constexpr int ridgeCount = 5;
 constexpr int lanternCount = 46;

@@ -2,9 +2,48 @@
 #include "stage.h"
 const char Intro_Title[] = "Anvil 1733 Intro";
 
+const char Intro_Tune[] = R"(
+// A work song in D dorian: the hammer on every second beat, bellows, a drone and a low voice.
+tempo 108
+volume 56
+delay 3/8 20
+reverb 75
+hammer = sine adsr 1 900 0 300 fm 2.83 6 120 detune 8 key a5 level 34 reverb 40
+body = sine adsr 1 260 0 60 drop 18 35 key d2 level 80
+ring = sine adsr 1 1900 0 500 fm 1.71 1.5 900 key d6 level 9 pan 20 reverb 60
+bellows = noise adsr 420 500 0 200 bandpass 520 25 sweep 1 500 level 34 pan -30 reverb 20
+drone = saw adsr 400 400 90 600 lowpass 420 25 wobble 0.23 0.5 detune 14 level 26 reverb 20
+voice = saw adsr 60 300 75 180 lowpass 1100 35 detune 8 vibrato 5 22 level 36 glide 40 reverb 35
+fiddle = saw adsr 40 200 80 120 lowpass 2600 20 vibrato 5.6 28 level 21 pan 30 reverb 35
+drum = sine adsr 1 170 0 20 drop 9 40 key a2 level 46 pan -15
+fire = noise adsr 5 40 30 20 highpass 3000 0 tremolo 17 100 level 7 pan 40
+A voice o3 l4 d. e8 f g | a2 g4. e8 | f4. e8 d c | d2 r2 | a4. b8 >c <a | g2 f4. e8 | f e d c | d2 r2
+B voice o3 l4 >c4. <b8 a g | a2 d2 | b-4. a8 g f | g2 c2 | f4. g8 a4 g8 f8 | e4. f8 g4 e4 | d f e c | d1
+B fiddle o5 l8 e d e f e d c4 | d c d e f4 d4 | d c d e d c <b-4 | >c <b- >c d e4 c4 |
+  a g a b a g f4 | g f g a g f e4 | f a g f e g f e | d2 r2
+A drone o2 l1 (d a)^1^1^1
+B drone o2 l1 (a >e) | (d a) | (<b- >f) | (c g) | (d a) | (c g) | (d a) | (d a)
+A hammer l2 x x
+A body l2 x x
+A ring l1 x
+A bellows l2 r4 x4 r4 x4
+A drum l8 r4 x r x r v50 x v80 x
+A fire l8 v30 x v60 x v40 x v80 x v30 x x v90 x v50 x
+B hammer l2 x x
+B body l2 x x
+B ring l1 x
+B bellows l2 r4 x4 r4 x4
+B drum l8 x r x x r x x r
+B fire l8 v30 x v60 x v40 x v80 x v30 x x v90 x v50 x
+I hammer l2 x x
+I body l2 x x
+I bellows l2 r4 x4 r4 x4
+I drone o2 l1 (d a)^1
+play I |: A B A B+5
+)";
+
 namespace {
 constexpr int fireWidth = Canvas_Width / 2, fireHeight = Canvas_Height / 2;
-constexpr float secondsEach = 1.1f; // from stroke to stroke
 constexpr int sparkCount = 130;
 constexpr Colour heats[] = {0x060204, 0x300804, 0x801404, 0xD84008, 0xFF9020, 0xFFE070, 0xFFFFE0};
 constexpr Point iron = {268, 254};
@@ -87,7 +126,9 @@ void Intro_Draw(Canvas& canvas, float time) {
     static int step = 0;
     for (int due = Stage_TakeSteps(time, 60); due > 0; --due)
         stepFire(++step);
-    const float beat = Num_Fract(time / secondsEach), flash = Num_Clamp(1 - 3 * beat);
+    const float beat = Num_Fract(Music_BeatAt(time) / 2); // the hammer comes down every two beats
+    const NoteState stroke = Music_NoteAt("hammer", time);
+    const float flash = Num_Clamp(1 - 2.7f * stroke.age);
     Canvas_Fill(canvas, [=](float x, float y) { return shadeFire(int(x), int(y), flash); });
     drawHammer(canvas, beat);
     Letters_PaintTitle(canvas, name, 26, 0x000000, [=](float x, float y) {
@@ -96,5 +137,5 @@ void Intro_Draw(Canvas& canvas, float time) {
     });
     drawAnvil(canvas, flash);
     for (int spark = 0; spark < sparkCount; ++spark)
-        drawSpark(canvas, spark, int(time / secondsEach), beat * secondsEach);
+        drawSpark(canvas, spark, stroke.number, stroke.age);
 }

@@ -2,6 +2,38 @@
 #include "stage.h"
 const char Intro_Title[] = "Fylex - Fluent Lexical Systems Intro Remake";
 
+const char Intro_Tune[] = R"(
+// Words that flow: an easy, swinging tune in C minor on an electric piano with a walking bass.
+tempo 104
+volume 68
+swing 64
+delay 3/8 25
+reverb 50
+piano = sine adsr 2 1200 25 180 fm 1 1.6 500 detune 5 tremolo 4.5 25 level 19 pan -20 reverb 25
+flute = sine adsr 35 100 85 110 vibrato 5.2 26 breath 5 level 36 pan 15 delay 25 reverb 30
+bass = triangle adsr 3 400 40 60 lowpass 900 20 level 60
+brush = noise adsr 12 110 0 20 bandpass 4200 10 level 17 pan 25
+ride = noise adsr 1 130 0 20 highpass 9000 0 level 12 pan -30
+kick = sine adsr 1 150 0 20 drop 18 30 key c2 level 48
+A flute o5 l8 r g >c <b- g e- f g | r4 g f e-4 c4 | r8 f a- >c <b- a- f a- | g2. r4 |
+  r8 g >c <b- >e- d c <b- | a-4. f >c4 <a-4 | g f+ g a- g f d <b | >c2. r4
+A piano o4 l4 r4. (e- g b- >d)8 r2 | r (e- g b-)8 r8 r2 | r4. (e- a- >c)8 r2 | r (f b- >d)8 r8 (d g b)2 |
+  r4. (e- g b- >d)8 r2 | r (e- a- >c)8 r8 r2 | r4. (f a- b >d)8 r2 | r (e- g b-)8 r8 (e- a >c)4 r4
+A bass o2 l4 c d e- g | c <b- g b- | >f a- >c <a- | b- f g <g | >c e- g b- | a- g f e- | d <a- g b | >c <g >c r
+B flute o5 l4 >e-. d8 c <b- | >d. c8 <b- g | a- b-8 >c8 d c8 <b-8 | >c2 <g2 |
+  >e-. d8 c <b- | >d f8 d8 <b-2 | a-8 g8 f8 e-8 d8 f8 a-8 b8 | >c2 r2
+B piano o4 l2 (e- a- >c) (g b- >e-) | (f b- >d) (g b- >d) | (e- a- >c) (f a- >d) | (e g b- >d-) (e- g >c) |
+  (e- a- >c) (g b- >e-) | (f b- >d) (g b- >d) | (f a- >c) (f g b) | (e- g b- >d)1
+B bass o2 l4 a- e- a- g | b- f g d | f g a- b- | c e g b- | a- e- a- g | b- f g d | f a- g <g | >c g c r
+A ride l8 x4 v60 x v90 x x4 v60 x v90 x
+A brush l4 r x r x
+A kick l4 x r8 v40 x8 v80 x r
+B ride l8 x4 v60 x v90 x x4 v60 x v90 x
+B brush l8 r4 x r x r x16 x16 x
+B kick l4 x r8 v40 x8 v80 x r
+play |: A A B A
+)";
+
 namespace {
 constexpr Colour paper[] = {0x0B3C5D, 0x1D7A9C, 0x7FD1C7, 0xF4F1DE,
                             0xF2CC8F, 0xE07A5F, 0x81335A, 0x0B3C5D};

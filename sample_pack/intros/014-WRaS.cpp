@@ -3,11 +3,40 @@
 #include "stage.h"
 const char Intro_Title[] = "WRaS - The Wren and Sparrow Loader";
 
+const char Intro_Tune[] = R"(
+// A loader of twenty seconds: a pilot tone, the lines, the colors, and then two birds sing.
+tempo 120
+volume 70
+delay 3/16 30
+reverb 40
+pilot = pulse width 50 adsr 5 50 100 20 level 34
+lines = pulse width 50 adsr 2 10 100 10 hold 1100 9 level 20 pan 15
+colors = pulse width 50 adsr 2 10 100 10 hold 500 16 level 18 pan -15
+wren = pulse width 30 adsr 4 80 70 50 vibrato 7 25 level 34 pan -25 delay 25 reverb 15
+sparrow = pulse width 15 adsr 4 120 50 50 level 24 pan 25 delay 20
+bass = triangle adsr 2 180 50 30 level 56
+chirp = sine adsr 4 40 60 30 drop 12 50 vibrato 30 150 level 16 pan 50 delay 40
+tick = noise adsr 1 25 0 10 highpass 6000 0 level 22
+P pilot o5 l2 b
+L lines o6 l2 d d e d f d e c
+L bass o2 l8 [d r d r r d r d]3 | c r c r r c r c
+L tick l8 r x r x r x r x16 x16
+L chirp o7 l16 r1 | r2 r d r e r4 | r1 | r2 g e r8 r4
+D colors o6 l4 c e d g c g
+D bass o2 l8 c > c < c > c < c > c < c > c < c > c < c > c
+S wren o6 l8 d4 c d <a4 f a | g4. a b-4 a g | f4 g a >c4 <a f | g4 e4 c4 r4
+S sparrow o5 l8 f a f a d f d f | g b- g b- d g d g | f a f a c f c f | e g e g c e g b-
+S bass o2 l8 d d >d <d d d >d <d | g g >g <g g g >g <g | f f >f <f f f >f <f | c c >c <c c c >c <c
+S chirp o7 l16 r2 r4 r d e r | r1 | r2 r8 g e r4 | r4 e g e r r2
+S tick l8 r x r x r x r x16 x16
+play |: P L D S
+)";
+
 namespace {
 constexpr int left = 64, top = 48, width = 384, height = 288;
 constexpr int square = 16; // the side of a colour square; lines come in groups of it
 constexpr int columns = width / square, squares = columns * (height / square);
-constexpr float toneTime = 1, lineTime = 8, colourTime = 3, showTime = 8;
+constexpr float toneTime = 1, lineTime = 8, colourTime = 3; // as long as the tune's sections
 
 const Lettering name = Letters_Make("The Wren and Sparrow", Face::Serif, 38, Slant::Italic);
 
@@ -93,7 +122,7 @@ Colour shadeLoaded(int x, int y, float lines, float colours) {
 void Intro_Draw(Canvas& canvas, float time) {
     if (picture.pixels[0][0] == 0)
         drawPicture();
-    const float phase = std::fmod(time, toneTime + lineTime + colourTime + showTime);
+    const float phase = Music_LoopTimeAt(time);
     const float lines = (phase - toneTime) / lineTime * float(height);
     const float colours = (phase - toneTime - lineTime) / colourTime * float(squares);
     drawBorder(canvas, phase, time);

@@ -3,6 +3,39 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 Dornfeld";
 
+const char Intro_Tune[] = R"(
+// A waltz for a cellar in A minor: accordion, double bass, and a clarinet for the second part.
+tempo 152
+meter 3/4
+volume 63
+swing 50
+reverb 45
+accordion = pulse width 42 adsr 20 120 85 70 lowpass 3000 10 detune 22 level 24 pan -10 reverb 20
+clarinet = pulse width 50 adsr 25 100 80 90 lowpass 1700 15 vibrato 5 12 level 30 pan 20 reverb 25
+chord = pulse width 35 adsr 6 140 35 50 lowpass 1800 10 detune 18 level 13 pan -35 reverb 15
+bass = triangle adsr 3 320 30 60 lowpass 800 20 level 60
+brush = noise adsr 6 80 0 20 bandpass 5000 10 level 13 pan 40
+A accordion o5 l8 e4. d+ e f | e4 c4 <a4 | a4. g+ a b | >c2. | d4. c+ d e | d4 <b4 g+4 | >e4. d+ e4 | c2. |
+  e4. d+ e f | e4 >c4 <a4 | g4. f+ g a | f2. | d e f a >d c | <b4 a4 g+4 | a4 e4 c4 | <a2.
+A bass o2 l4 a r r e r r a r r e r r >d< r r b r r e r r a r r a r r e r r >c< r r f r r d r r e r r a r r a e a
+A chord o4 l4 [r (c e a) (c e a)]4 [r (d f b) (d f b)]2 r (d g+ b) (d g+ b) r (c e a) (c e a)
+  [r (c e a) (c e a)]2 r (e g >c) (e g >c) r (c f a) (c f a) r (d f a) (d f a)
+  r (d g+ b) (d g+ b) [r (c e a) (c e a)]2
+B clarinet o4 l4 >c2 <g | e2 g | >c d e | d2. | <b2 g | f2 g | b >c d | c2. |
+  e2 c | <a2 >c | f e d | <b2. | g+ b >d | f e d | c <b >c | <a2.
+B bass o2 l4 >c< r r g r r >c< r r g r r g r r d r r g r r >c< r r a r r e r r d r r f r r e r r b r r a r r a e a
+B chord o4 l4 [r (c e g) (c e g)]3 r (<b >d g) (<b >d g) [r (<b >d f) (<b >d f)]3 r (c e g) (c e g)
+  [r (c e a) (c e a)]2 [r (d f a) (d f a)]2 [r (d e g+) (d e g+)]2 [r (c e a) (c e a)]2
+A brush l4 r x x
+B brush l4 r x v50 x8 x8
+C accordion o5 l8 a g+ a b >c <a | e d+ e g+ a >c | <b a b >c d <b | g+2. | b- a b- >c d <b- | a g+ a b >c e |
+  d c <b a g+ f | e2. | a g+ a b >c <a | e d+ e a >c e | f e d c <b a | g+2 e4 | f e d4 f4 | e d c4 e4 | d c <b4 g+4 | a2.
+C clarinet o4 l2. a | e | f | e | f | e | d | e | a | >c | <f | e | d | e | g+ | a
+C bass o2 l4 a r r a r r d r r e r r b- r r a r r d r r e r r a r r a r r d r r e r r d r r a r r e r r a e a
+C brush l4 r x x
+play |: A B A C
+)";
+
 namespace {
 constexpr int ballCount = 13;
 constexpr int halfWidth = Canvas_Width / 2, halfHeight = Canvas_Height / 2;

@@ -3,6 +3,39 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M2 Brackwater";
 
+const char Intro_Tune[] = R"(
+// Standing water at night: frogs, drips, a reed of wind; three notes rise and sink like bubbles.
+tempo 70
+volume 62
+delay 3/16 45
+reverb 80
+frog = pulse width 30 adsr 20 60 70 40 bandpass 700 60 tremolo 31 95 drop 3 90 level 52 pan -40 reverb 25
+toad = pulse width 40 adsr 30 80 70 60 bandpass 380 60 tremolo 22 95 level 62 pan 40 reverb 25
+drip = sine adsr 1 140 0 40 drop -16 70 level 26 pan 15 delay 50 reverb 50
+cell = sine adsr 5 260 10 90 drop -9 200 fm 0.5 1 200 level 34 pan -15 delay 35 reverb 35
+mire = saw adsr 1500 1000 80 2000 lowpass 240 30 wobble 0.17 1 detune 20 level 42 reverb 30
+reed = noise adsr 1500 1000 70 1500 bandpass 1200 75 wobble 0.21 0.7 level 22 pan 30 reverb 40
+cricket = pulse width 50 adsr 5 20 80 20 tremolo 43 100 level 5 pan 60 reverb 20
+glow = triangle adsr 900 800 60 1500 detune 14 level 14 reverb 60
+A mire o1 l1 b- | b- | a- | a-
+A glow o4 l1 (b- >d- f) | r | (a- >c e-) | r
+A cell o4 l8 b- r >f r d- r4. | r2 <a- r >e- r | g- r4 <b- r >d- r4 | r4 e- r <a- r4.
+A drip o6 l16 r4 f r8. r2 | r2. b- r d- r | r8 e- r r2 a- r8. | r1
+A frog o3 l8 r1 | b- r b- r r2 | r1 | r2 b- r b- b-
+A toad o2 l8 r2. f r | r1 | r2 f r4. | r1
+A reed l1 x^1^1^1
+A cricket o7 l8 [x r]4
+B mire o1 l1 g- | g- | f | f
+B glow o4 l1 (g- b- >d-) | r | (f a- >c) | r2 (f a >c)2
+B cell o4 l16 g-8 r b- r8 >d- r f8 r8 e- r8. | r4 d- r <b- r g-8 r r4 r | >c8 r <a- r4 f r8 r8 >e- r8 | r4 c8 r8 <a8 r8 f8 r8
+B drip o6 l16 d- r8. r2. | r4 g- r b- r r2 | r2 r8 c r r4 | e- r4.. r2
+B frog o3 l8 b- r b- r r2 | r1 | r4 >c r c r r4< | r1
+B toad o2 l8 r1 | r4 g- r r2 | r1 | f r f r r2
+B reed l1 x^1^1^1
+B cricket o7 l8 x r r x r x r r
+play |: A A B A B
+)";
+
 namespace {
 constexpr int pondWidth = Canvas_Width / 2, pondHeight = Canvas_Height / 2;
 constexpr float stepsPerSecond = 420;

@@ -4,6 +4,42 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M3 Tumblequill";
 
+const char Intro_Tune[] = R"(
+// Something tumbles over the sheet: a rag in B flat, plucked, with a thud where it lands.
+tempo 96
+volume 74
+delay 1/8 15
+reverb 35
+clarinet = pulse width 50 adsr 12 60 80 50 lowpass 2200 15 sweep 0.5 60 level 34 pan -10 reverb 15
+pluck = triangle adsr 1 190 0 40 lowpass 3000 10 level 34 pan 25 reverb 12
+bass = triangle adsr 2 240 10 40 level 62
+bassoon = saw adsr 15 80 75 50 lowpass 900 30 level 30 pan -30 reverb 12
+thud = sine adsr 1 220 0 30 drop 14 60 key b-2 level 80
+quill = noise adsr 2 60 0 15 bandpass 5200 30 level 22 pan 40
+block = sine adsr 1 60 0 10 fm 2.4 2 30 key f6 level 20 pan -35
+A clarinet o5 l16 d8 f d8 f g g+ a8 f8 d8 c <b-> | <b-8> d <b-8> d e- e f8 d8 <b-4> | e-8 g e-8. g a b- >c8 <a8 f8 e- | d8 f8 b-8 a8 b-4 r4
+A pluck o4 l8 r (d f) r (d f) r (d f) r (d f) | r (d f) r (d f) r (d f) r (d f) |
+  r (e- a) r (e- a) r (e- a) r (e- a) | r (d f) r (e- a) (d f)4 r4
+A bass o2 l4 b- f b- f | b- f b- d | c f <a >f | b- f b- r
+B bassoon o3 l8 d4 d16 e-16 f g4 f4 | e-4 e-16 f16 g a4 g4 | f a >c <a b- g e c | f2 r4 f16 g16 a16 b16
+B pluck o5 l8 r (<b- >d) r (<b- >d) r (<b- >e-) r (<b- >d) | r (c e-) r (c e-) r (c f) r (c e-) |
+  r (c f) r (c f) r (<b- >e) r (<b- >e) | r (<a >c) r (<a >c) (<a >c)4 r4
+B bass o2 l4 b- f e- b- | c g f c | f c c <g> | f c f r
+C clarinet o5 l16 f4 g a b- b >c4. <a f | g4 a b- >c c+ d4. <b- g | >c8 <b- a g8 f e- d8 f b-8 >d c <b- | a8 f8 g a b-8 b-4 r8 f8
+C bassoon o3 l4 d f e- f | e- g f g | e- c d f | c f8 a8 b- r
+C bass o2 l4 b- d f <a | b- >e- f <g> | c f b- d | f <f> b- r
+A thud l1 x | r
+A block l8 r4 x r r4 x x16 x16
+A quill l8 v50 x v90 x
+B thud l1 x | r
+B block l8 r x r x r x x r
+B quill l8 v50 x v90 x
+C thud l1 x | r
+C block l16 x8 x x x8 x8 x8 x x x8 r8
+C quill l8 v50 x v90 x
+play |: A A B A C B
+)";
+
 namespace {
 constexpr Colour paper = 0xF2E6C8, ink = 0x241C38;
 constexpr int bodyCount = 3;
@@ -17,9 +53,10 @@ struct Side {
     bool isSeen;
 };
 
-// Thrown across the sheet, bouncing from lower edge to lower edge.
+// Thrown across the sheet, bouncing from lower edge to lower edge every eight beats.
 Vector placeBody(int number, float time) {
-    const float share = Num_Fract(time * 0.065f + float(number) / float(bodyCount) + 0.12f);
+    const float beat = Music_BeatAt(time);
+    const float share = Num_Fract(beat / 24 + float(number) / float(bodyCount));
     const float hop = Num_Fract(share * 3);
     return {4.4f * share - 2.2f, 0.52f - 2.6f * hop * (1 - hop), 3.6f};
 }

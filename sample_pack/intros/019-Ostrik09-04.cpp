@@ -2,6 +2,42 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M4 Pebblegrind";
 
+const char Intro_Tune[] = R"(
+// A drum of pebbles: it rumbles and clatters, and the clatter falls into a dark machine beat.
+tempo 122
+volume 87
+delay 3/16 50
+reverb 50
+rumble = noise adsr 300 300 90 600 lowpass 150 40 wobble 0.24 0.8 level 80
+grind = noise adsr 40 150 40 90 bandpass 700 30 tremolo 13 60 level 26 pan -25 reverb 15
+stone = sine adsr 1 50 0 10 fm 2.7 3 20 level 30 pan 30 reverb 20 delay 20
+pebble = sine adsr 1 35 0 10 fm 3.9 2.5 15 level 24 pan -40 reverb 20 delay 25
+gravel = noise adsr 2 50 20 20 bandpass 3200 30 hold 90 12 tremolo 61 100 level 24 pan 15
+bass = saw adsr 3 200 40 60 lowpass 260 55 sweep 2 110 level 62
+motor = pulse width 20 adsr 5 100 80 40 lowpass 420 40 tremolo 8.13 50 level 24
+dub = saw adsr 2 200 10 80 bandpass 1100 50 sweep 1 150 detune 16 level 26 delay 60 reverb 30
+kick = sine adsr 1 220 0 20 drop 26 50 key b1 level 95
+I rumble l1 x^1
+I stone o6 l16 r c r r e r g r r r c r d r r r | r e r c r r r g r r d r r c r r
+I gravel l16 v50 x8 r8 x8 x r x8 r r x8 x8
+A kick l4 x x x x
+A rumble l1 x^1^1^1
+A bass o1 l16 r8 b r b8 r b r8 b r >d8 <r b | r8 b r b8 r b r8 f+ r a8 r b | r8 b r b8 r b r8 b r >d8 <r b | r8 g r g8 r g r8 a r a8 r a+
+A stone o6 l16 c r r e r r g r c r r d r e r r | c r r e r r g r r a r d r r c r
+A pebble o7 l16 r r c r g r r r e r r r r c r a | r e r r r c r r r g r r e r r r
+A gravel l16 v80 x r v40 x x v90 x r v40 x x
+A motor o1 l1 b^1^1 | g2 a2
+B kick l4 x x x x8. x16
+B rumble l1 x^1^1^1
+B bass o1 l16 r8 e r e8 r e r8 e r g8 r e | r8 e r e8 r e r8 b r >d8< r e | r8 g r g8 r g r8 g r b8 r g | r8 f+ r f+8 r f+ r8 a r a+8 r a+
+B dub o4 l8 r4 (e g b) r r4 r (e g b) | r1 | r4 (d g b) r r4 r (d g b) | r4 (c+ f+ a+) r r2
+B stone o6 l16 e r e r r g r r e r r b r r g r
+B pebble o7 l16 r r r c r r e r r g r r r r c e
+B gravel l16 v90 x r x x r x x r x r x x v50 x x x x
+B grind l2 x x
+play I |: A A B A B
+)";
+
 namespace {
 constexpr int pebbleCount = 74;
 constexpr float drumRadius = 176, drumX = 256, drumY = 186;

@@ -2,6 +2,49 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M5 Ashkettle";
 
+const char Intro_Tune[] = R"(
+// A kettle comes to the boil: embers crackle, the water sings higher and higher, the lid rattles.
+tempo 60
+volume 92
+delay 3/8 40
+reverb 70
+crackle = noise adsr 1 25 0 8 highpass 2500 20 level 40 pan -30 reverb 15
+embers = noise adsr 1200 800 90 2000 lowpass 260 20 wobble 0.3 0.7 level 52
+water = noise adsr 3000 1000 100 2500 bandpass 500 65 wobble 0.19 0.5 hold 30 5 level 40 reverb 10
+bubble = sine adsr 2 70 10 30 drop -12 60 level 16 pan 20 reverb 25
+hiss = noise adsr 2500 500 100 1800 highpass 3400 0 level 10 pan 30
+whistle = sine adsr 1800 500 100 900 vibrato 6.3 12 breath 8 fm 2 0.4 0 level 11 pan 30 reverb 50
+lid = sine adsr 1 70 0 15 fm 1.83 4 40 key e5 level 18 pan 10 reverb 15
+night = triangle adsr 500 800 60 1200 detune 10 level 20 pan -15 reverb 60
+harp = triangle adsr 2 900 0 400 lowpass 2200 10 level 26 pan -35 delay 35 reverb 40
+A embers l1 x^1
+A crackle l16 v40 x r v80 x r r v50 x x r r r v90 x r v30 x r r x | r x r v70 x r r x v30 x r v90 x r r x r v50 x r
+A night o3 l1 (e b) | (c g)
+A harp o4 l8 e b >e4 g4 f+4 | <c g >e4 d4 <b4
+B embers l1 x^1
+B water l1 x^1
+B bubble o4 l16 e r r g r r b r r r e r a r r r | c r e r r g r r b r r e r >c <r r
+B night o3 l1 (a >e) | (<b >f+)
+B harp o4 l8 a >c e4 d4 c4 | <b >d f+4 e4 d+4
+C embers l1 x^1
+C water l1 x^1
+C hiss l1 x^1
+C whistle o6 l1 r2 e2^1
+C bubble o4 l16 e r g b r e a r c r g e r b r g | c e r g r b e r g b r e >c <r e g
+C lid l16 r1 | r2 x r r x x r x x
+C crackle l16 r x r x r r x r x r r x r x r r
+C night o3 l1 (c g) | (d a)
+D embers l1 x^1^1^1
+D water l1 x^1^1^1
+D hiss l1 x^1^1^1
+D whistle o6 l1 e2 g2^1 | b1^2 f+2
+D bubble o4 l16 e b g b >e <b a e c g b e a b >c <g | c e b g a b e >c <g b a e >c <b e g
+D lid l16 x r x x r x x r x x r x r x x r | x x r x x r x r x x x r x r r x
+D night o3 l1 (e b) | (e b) | (c g) | (<b >f+)
+D harp o4 l8 e b >e4 g4 b4 | a g e4 f+4 d+4 | e4 <b4 >g4 f+4 | d+4 <b4 f+4 r4
+play |: A A B B C D
+)";
+
 namespace {
 constexpr int flakeCount = 170;
 constexpr Point spout = {334, 196};

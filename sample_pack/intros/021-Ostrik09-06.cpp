@@ -3,6 +3,30 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M6 Salt Lantern";
 
+const char Intro_Tune[] = R"(
+// A lamp of salt: a slow song in D flat on a celesta, warm chords below, and much air.
+tempo 66
+volume 50
+delay 3/8 40
+reverb 92
+celesta = sine adsr 2 1300 0 600 fm 4 0.9 300 level 40 pan 10 delay 30 reverb 45
+warm = triangle adsr 500 600 80 1200 detune 12 level 22 pan -10 reverb 45
+glass = sine adsr 900 600 70 1500 detune 8 vibrato 4 10 level 12 pan 35 reverb 70
+bass = sine adsr 80 800 60 600 level 44 reverb 15
+grain = noise adsr 1 20 0 10 highpass 6500 0 level 9 pan -40 delay 40 reverb 50
+A celesta o5 l4 a-. b-8 >d- <a- | f2 e-4. f8 | g-. a-8 b- >d- | <a-1 | >d-. c8 <b- a- | g-2 f4. e-8 | f a- e- g- | d-1
+A warm o3 l1 (d- a- >f) | (b- >d- f) | (g- b- >d-) | (a- >c e-) | (b- >d- f) | (g- b- >e-) | (a- >c g-) | (d- a- >f)
+A bass o2 l1 d- | <b- | g- | a- | b- | g- | a- | >d-
+B celesta o5 l8 r a- >d- e- f4 e-4 | r <b- >d- f g-4 f4 | e-4. d-8 c4 <a-4 | b-2. r4 |
+  r8 g- b- >d- f4 d-4 | r8 <a- >c e- g-4 e-4 | d-4 <b-4 a-4 g-4 | a-1
+B glass o5 l1 f | g- | e- | d- | d- | c | <b- | >c
+B warm o3 l1 (b- >d- f) | (g- b- >d-) | (a- >c e-) | (g- b- >d-) | (g- b- >d-) | (a- >c e-) | (e- b- >d-) | (a- >c g-)
+B bass o2 l1 b- | g- | a- | g- | g- | a- | e- | a-
+A grain l8 r4 v40 x r r v70 x r4
+B grain l8 r x r4 v70 x r v30 x r
+play |: A B A B-2
+)";
+
 namespace {
 constexpr int facetCount = 4 * Space_BallFaces;
 constexpr Colour salt[] = {0xFF5828, 0xFF8048, 0xFFA070, 0xFF6848, 0xFFC090};
@@ -75,7 +99,8 @@ void drawFacet(Canvas& canvas, int number, Vector turns, float flicker) {
 void Intro_Draw(Canvas& canvas, float time) {
     if (facets[0].corners[0].y == 0)
         cutFacets();
-    const float flicker = 0.86f + 0.14f * Num_Noise(2.2f * time, 0);
+    const float tone = Music_NoteAt("celesta", time).level; // the light breathes with the melody
+    const float flicker = 0.80f + 0.12f * Num_Noise(2.2f * time, 0) + 0.22f * tone;
     const Vector turns = {0.015f * Num_Sin(0.08f * time), 0.055f * time, 0.02f};
     Canvas_Fill(canvas, [=](float x, float y) { return shadeRoom(x, y, flicker); });
     for (int number = 0; number < facetCount; ++number)

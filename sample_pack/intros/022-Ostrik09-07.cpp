@@ -2,6 +2,42 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 9 M7 Dunefinch";
 
+const char Intro_Tune[] = R"(
+// Finches at dusk: a light bossa in E minor; nylon strings, a whistled tune, chirps between.
+tempo 126
+volume 57
+delay 3/16 30
+reverb 55
+whistle = sine adsr 25 80 85 90 vibrato 5.4 24 breath 3 glide 30 level 40 pan 12 delay 30 reverb 35
+guitar = triangle adsr 1 420 5 90 lowpass 2600 20 sweep 1 50 level 24 pan -25 reverb 20
+bass = triangle adsr 4 300 45 50 lowpass 700 20 level 60
+finch = sine adsr 3 30 70 25 drop 10 40 vibrato 26 120 level 15 pan 55 delay 40 reverb 40
+strings = saw adsr 300 400 75 500 lowpass 1600 10 detune 16 level 9 pan 20 reverb 45
+shaker = noise adsr 12 45 0 15 highpass 6000 0 level 15 pan 35
+stick = sine adsr 1 40 0 10 fm 2.2 2 20 key e6 level 20 pan -40 reverb 15
+kick = sine adsr 1 140 0 20 drop 14 30 key c2 level 50
+A whistle o5 l8 b4. a g4 f+4 | e4. f+ g4 b4 | a4. g f+4 e4 | d2. r4 | >c4. <b a4 g4 | f+4. g a4 >c4 | <b4. a g4 f+4 | b2. r4
+A guitar o4 l8 [(e g b >d)4. (e g b >d) r (e g b >d) r (e g b >d)]2 | (e g a >c)4. (e g a >c) r (e g a >c) r (e g a >c) |
+  (d f+ a >c)4. (d f+ a >c) r (d f+ a >c) r (d f+ a >c) | (e g b >c)4. (e g b >c) r (e g b >c) r (e g b >c) |
+  (e f+ a >c)4. (e f+ a >c) r (e f+ a >c) r (e f+ a >c) | [(d+ f+ a b)4. (d+ f+ a b) r (d+ f+ a b) r (d+ f+ a b)]2
+A bass o2 l4 e. b8 b. e8 | e. b8 b. e8 | a. e8 e. a8 | d. a8 a. d8 | c. g8 g. c8 | f+. c8 c. f+8 | b. f+8 f+. b8 | b. f+8 b a
+B whistle o5 l8 g f+ e g b4. a | g f+ e4 >d2 | c <b a >c e4. d | c <b a4 f+2 | >d4 c4 <b4 a4 | b4 a4 g4 f+4 | g f+ e d+ e f+ g a | e2. r4
+B guitar o4 l8 [(e g b >d)4. (e g b >d) r (e g b >d) r (e g b >d)]2 | (e g a >c)4. (e g a >c) r (e g a >c) r (e g a >c) |
+  (d f+ a >c)4. (d f+ a >c) r (d f+ a >c) r (d f+ a >c) | (d g b)4. (d g b) r (d g b) r (d g b) |
+  (e g b >c)4. (e g b >c) r (e g b >c) r (e g b >c) | (d+ f+ a >c)4. (d+ f+ a >c) r (d+ f+ a b) r (d+ f+ a b) | (e g b >d)4. (e g b >d) r (e g b) r (e g b)
+B bass o2 l4 e. b8 b. e8 | e. b8 b. e8 | a. e8 e. a8 | d. a8 a. d8 | g. d8 d. g8 | c. g8 g. c8 | f+. c8 b. f+8 | e. b8 e r
+B strings o4 l1 b | >d | c | <a | >d | c | <a | g
+A finch o7 l16 r1 | r1 | r1 | r4 e g r e r4 r4 | r1 | r1 | r1 | r4 g e g r8 e r8 r4
+B finch o7 l16 r1 | r2 r g e r r4 | r1 | r2 e r g r b r8. | r1 | r1 | r1 | r4 b g b g r2
+A shaker l8 v90 x v50 x x v80 x v50 x x v90 x v50 x
+B shaker l8 v90 x v50 x x v80 x v50 x x v90 x v50 x
+A stick l8 x r r x r r x r | r r x r r x r r
+B stick l8 x r r x r r x r | r r x r r x r r
+A kick l8 x r r x x r r x
+B kick l8 x r r x x r r x
+play |: A A B A B
+)";
+
 namespace {
 constexpr int finchCount = 4;
 constexpr int parts = 130;
@@ -73,7 +109,7 @@ void drawRibbon(Canvas& canvas, int finch, float time) {
 void drawFinch(Canvas& canvas, int finch, float time) {
     const Point at = flyTo(finch, time);
     const float side = flyTo(finch, time + 0.05f).x > at.x ? 1 : -1;
-    const float beat = Num_Sin(3.2f * time + 0.27f * float(finch));
+    const float beat = Num_Sin(2 * Music_BeatAt(time) + 0.27f * float(finch));
     const auto place = [=](float x, float y) { return Point{at.x + side * x, at.y + y}; };
     const Point body[] = {place(17, -2), place(11, -7), place(4, -7), place(-9, -1), place(-22, 2),
                           place(-20, 5), place(-7, 6),  place(6, 6),  place(12, 2)};

@@ -3,10 +3,31 @@
 #include "stage.h"
 const char Intro_Title[] = "Myrtle Home Computer Loader Remake";
 
+const char Intro_Tune[] = R"(
+// A home computer with one sound chip of three voices: it beeps, loads, and then plays for itself.
+tempo 120
+volume 51
+lead = pulse width 50 adsr 2 150 60 80 vibrato 6 22 level 40
+harmony = pulse width 25 adsr 2 200 60 20 arpeggio 50 level 30
+bass = triangle adsr 1 160 75 30 level 70
+bell = pulse width 50 adsr 1 180 0 30 level 30
+key = noise adsr 1 14 0 6 highpass 2500 20 level 34
+tape = pulse width 50 adsr 2 10 100 10 hold 900 12 level 26
+T bell o5 l8 b >e r4 r2 | r1 | r1
+T key l16 r8 x r x x r x x r x x r x x r | r1 | r2 r4 r x x r
+T tape o5 l1 r | e2 g2 | e2 r2
+V lead o5 l8 g4 b- >d4 c <b- a | b-4 g4 d2 | e-4 g b-4 a g f | g2. r4 |
+  g4 b- >d4 f e- d | c4. d e-4 <a4 | a4 b- a4 f+ g a | g2 r2
+V harmony o4 l1 (g b- >d) | (g b- >d) | (e- g b-) | (d g b-) | (g b- >d) | (c e- a) | (d f+ a) | (g b- >d)
+V bass o2 l8 [g g > g <]2 g g | [g g > g <]2 g g | [e- e- > e- <]2 e- e- | [d d > d <]2 d d |
+  [g g > g <]2 g g | [c c > c <]2 c c | [d d > d <]2 d d | [g g > g <]2 g d
+play |: T V
+)";
+
 namespace {
 constexpr int left = 64, top = 56, columns = 24, rows = 17, cell = 16;
 constexpr Colour frame = 0x6CB088, screen = 0x18402C, text = 0xA8F0B8;
-constexpr float tapeStart = 2, tapeEnd = 5, runStart = 6, allSeconds = 22;
+constexpr float tapeStart = 2, tapeEnd = 5, runStart = 6; // as in the tune
 constexpr float mazeCellsPerSecond = 140;
 
 // What is typed and answered, and when each line begins.
@@ -85,7 +106,8 @@ void drawFlower(Canvas& canvas, Point middle, float size, float turn) {
     }
 }
 
-void drawMyrtle(Canvas& canvas, float running) {
+// The flowers open a little with each note.
+void drawMyrtle(Canvas& canvas, float running, float note) {
     const float grown = Num_Smooth(0.5f, 6, running), sway = 16 * Num_Sin(0.2f * running);
     const auto stem = [=](float share) {
         return Point{256 + sway * share * share * grown, 326 - 236 * share * grown};
@@ -99,19 +121,19 @@ void drawMyrtle(Canvas& canvas, float running) {
         drawLeaf(canvas, stem(share), 1, size, 0x1C6830);
         drawLeaf(canvas, stem(share), -1, size, 0x2C8840);
         if (pair % 2 == 0)
-            drawFlower(canvas, stem(share), 0.19f * size, 0.02f * running);
+            drawFlower(canvas, stem(share), (0.17f + 0.05f * note) * size, 0.02f * running);
     }
 }
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float time) {
-    const float phase = std::fmod(time, allSeconds), running = phase - runStart;
+    const float phase = Music_LoopTimeAt(time), running = phase - runStart;
     drawBorder(canvas, phase);
     Canvas_Bar(canvas, left, top, columns * cell, rows * cell, screen);
     if (running < 0)
         return drawTyping(canvas, phase);
     drawMaze(canvas, running);
-    drawMyrtle(canvas, running);
+    drawMyrtle(canvas, running, Music_NoteAt("lead", time).level);
     Canvas_Bar(canvas, left, top, columns * cell, 22, screen);
     PixelFont_WriteCentred(canvas, "M Y R T L E", top + 4, 2, 0xF8FFE8);
 }

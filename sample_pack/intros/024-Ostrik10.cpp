@@ -2,6 +2,32 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 10 Amber";
 
+const char Intro_Tune[] = R"(
+// Down the shaft: a choir that changes like honey, a heart far below, and light that rings.
+tempo 76
+volume 20
+delay 3/8 50
+reverb 96
+choir = saw adsr 900 800 80 1600 bandpass 700 45 wobble 0.1 0.5 detune 24 vibrato 4.4 14 level 54 reverb 60
+ah = saw adsr 1200 800 80 1600 bandpass 1300 55 detune 18 vibrato 5 14 level 30 pan 30 reverb 70
+heart = sine adsr 4 260 0 80 drop 7 60 key f+1 level 86
+drone = saw adsr 800 500 90 1500 lowpass 180 30 wobble 0.07 0.7 detune 10 level 44
+ring = sine adsr 3 1800 0 900 fm 2.01 1.4 800 level 20 pan -30 delay 50 reverb 60
+bark = noise adsr 200 300 0 200 bandpass 300 40 sweep 2 400 level 22 pan 40 delay 40 reverb 50
+A choir o3 l1 (f+ >c+ f+ a+)^1 | (g+ b+ >d+ g+)^1 | (e b >e g+)^1 | (f+ >c+ f+ a+)^1
+A heart l4 x8 v50 x8 r v90 x8 v50 x8 r
+A drone o1 l1 f+^1^1^1 | e^1 | f+^1
+A ring o5 l8 r4 c+ r f+ r4. | r1 | r4 d+ r g+ r b+ r | r1 | r4 <b r >e r g+ r | r1 | r4 a+ r f+ r c+ r | r1
+A bark l1 r | x | r | x
+B choir o3 l1 (d+ a+ >d+ f+)^1 | (b >d+ f+ a+)^1 | (g+ b+ >d+ g+)^1 | (c+ g+ >c+ f)^1
+B ah o5 l1 a+ | f+ | d+ | f+ | d+ | c | c+ | f
+B heart l4 x8 v50 x8 r v90 x8 v50 x8 r
+B drone o1 l1 d+^1 | b^1 | g+^1 | c+^1
+B ring o6 l8 d+ r <a+ r f+ r4. | r1 | f+ r d+ r <b r4. | r1 | g+ r d+ r <b+ r4. | r1 | r g+ r >c+ r f r g+ | r1
+B bark l1 r | x | r | x
+play |: A B
+)";
+
 namespace {
 constexpr int resinSize = 256, mask = resinSize - 1;
 constexpr Colour honey[] = {0x1C0802, 0x4C1804, 0x943C06, 0xD87810, 0xFFB830, 0xFFE88C};

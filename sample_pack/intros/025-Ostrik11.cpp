@@ -1,6 +1,34 @@
-// Rain on a tiled pool: the waves spread, cross and bend the sight of the ground.
+// Rain on a tiled pool, a drop to each note: the waves spread, cross and bend the sight of the
+// ground.
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 11 Ripples";
+
+const char Intro_Tune[] = R"(
+// Rain on a pool: each drop is a note; two marimbas of unequal length drift through each other.
+tempo 112
+volume 58
+delay 3/16 40
+reverb 60
+drop = sine adsr 1 420 0 120 fm 3.98 1.2 60 level 34 pan -35 delay 25 reverb 25
+wood = drop pan 35 level 32
+splash = sine adsr 3 500 0 200 drop -10 300 fm 0.5 1.5 300 level 30 delay 50 reverb 60
+pool = triangle adsr 400 500 80 900 detune 10 level 17 reverb 50
+bass = sine adsr 10 600 30 200 level 50 reverb 15
+rain = noise adsr 1500 500 100 1500 bandpass 4800 5 wobble 0.12 0.4 level 7 reverb 10
+A drop o5 l8 e b g >d <b >e <a b | e b g >d <b >e <a r
+A wood o4 l8 b >e <g >d e r <b >e <g r a b b >e <g >d e r <b >e <g r a b16 b16 b >e <g >d r2
+A pool o4 l1 (e g b) | (e g b) | (d g b) | (e a b)
+A bass o2 l2. e2. b4 | e2. a4 | g2. d4 | a2 b2
+A splash o5 l1 e | r | r | b
+A rain l1 x^1^1^1
+B drop o5 l8 c+ a e b a >c+ <f+ a | c+ a e b a >c+ <f+ r
+B wood o4 l8 a >c+ <e b >e r <a b | a >e <f+ b >c+ r <a r
+B pool o4 l1 (c+ e a) | (c+ f+ a) | (d f+ b) | (e g+ b)
+B bass o2 l2. a2. e4 | f+2. c+4 | d2. a4 | e2 b2
+B splash o5 l1 a | r | f+ | r
+B rain l1 x^1^1^1
+play |: A A B A B B
+)";
 
 namespace {
 constexpr int poolWidth = Canvas_Width / 2, poolHeight = Canvas_Height / 2;
@@ -34,14 +62,15 @@ void stepWater() {
     current = 1 - current;
 }
 
-// Drops by chance, and now and then something heavier.
-void stepRain(int step) {
-    stepWater();
-    const float x = float(poolWidth) * Num_Hash(step, 1), y = float(poolHeight) * Num_Hash(step, 2);
-    if (step % 9 == 0)
-        letFall(x, y, 2 + 3 * Num_Hash(step, 3), 1.6f);
-    if (step % 150 == 20)
-        letFall(x, y, 9, 4);
+// A drop falls with each note of an instrument, each at a place of its own.
+void dropNotes(const char* instrument, float time, int& fallen, float reach, float force) {
+    const NoteState note = Music_NoteAt(instrument, time);
+    if (note.number == fallen)
+        return;
+    fallen = note.number;
+    letFall(float(poolWidth) * Num_Hash(fallen, note.pitch),
+            float(poolHeight) * Num_Hash(note.pitch, fallen),
+            reach * (0.6f + 0.6f * Num_Hash(fallen, 3)), force);
 }
 
 // Small tiles in blue, and a border in gold.
@@ -85,13 +114,13 @@ Colour shadeWater(float x, float y) {
 } // namespace
 
 void Intro_Draw(Canvas& canvas, float time) {
-    static int step = 0;
-    if (step == 0) {
+    static int drops = 0, woods = 0, splashes = 0;
+    if (ground.pixels[0][0] == 0)
         layGround();
-        for (; step < 120; ++step)
-            stepRain(step);
-    }
     for (int due = Stage_TakeSteps(time, 75); due > 0; --due)
-        stepRain(++step);
+        stepWater();
+    dropNotes("drop", time, drops, 4, 1.6f);
+    dropNotes("wood", time, woods, 4, 1.6f);
+    dropNotes("splash", time, splashes, 9, 4);
     Canvas_Fill(canvas, shadeWater);
 }

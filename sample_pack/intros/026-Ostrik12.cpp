@@ -3,6 +3,39 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 12 Your Harbour";
 
+const char Intro_Tune[] = R"(
+// A harbor at night: a barcarole for concertina in B flat; swell, a bell buoy, a horn far out.
+tempo 78
+meter 3/4
+volume 62
+swing 50
+delay 3/8 35
+reverb 85
+concertina = pulse width 40 adsr 60 150 80 180 lowpass 2000 10 detune 10 vibrato 4.6 12 level 21 pan -12 reverb 35
+guitar = triangle adsr 2 700 0 200 lowpass 1900 10 level 26 pan 25 reverb 30
+bass = triangle adsr 8 800 20 250 level 38 reverb 15
+swell = noise adsr 1600 1200 30 1800 lowpass 700 10 wobble 0.25 0.9 level 26 reverb 20
+buoy = sine adsr 1 1800 0 700 fm 2.76 2.6 900 key f5 level 14 pan 50 delay 30 reverb 60
+horn = saw adsr 180 200 90 500 lowpass 420 30 detune 5 level 30 pan 20 delay 50 reverb 70
+A concertina o5 l8 d4. e- f4 | b-2 a4 | g4. f e-4 | f2. | e-4. d c4 | f2 e-4 | d4. c <b-4 | >c2. |
+  d4. e- f4 | b-2 >d4 | c4. <b- g4 | b-2. | a4. g f4 | e-4 c4 <a4 | b-2. | r2.
+A guitar o3 l8 [b- >f b- >d <b- f <]2 | e- b- >e- g e- <b- | b- >f b- >d <b- f < | c g >c e- c <g | f >c f a f c < |
+  b- >f b- >d <b- f < | f >c f a f c < | [b- >f b- >d <b- f <]2 | [e- b- >e- g e- <b-]2 | [f >c f a f c <]2 | [b- >f b- >d <b- f <]2
+A bass o2 l2. b- | b- | e- | b- | c | f | b- | f | b- | b- | e- | e- | f | f | b- | b-
+B concertina o5 l8 g4. a b-4 | >d2 c4 | <b-4. a g4 | a2 f4 | g4. f e-4 | d2 g4 | c4. d e-4 | f2. |
+  g4. a b-4 | >d2 f4 | e-4. d c4 | d2 <b-4 | e-4. f g4 | f2 a4 | b-2. | r2.
+B guitar o3 l8 [g >d g b- g d <]2 | g >d g b- g d < | f >c f a f c < | e- b- >e- g e- <b- | g >d g b- g d < | c g >c e- c <g | f >c f a f c < |
+  g >d g b- g d < | b- >f b- >d <b- f < | c g >c e- c <g | g >d g b- g d < | e- b- >e- g e- <b- | f >c f a f c < | [b- >f b- >d <b- f <]2
+B bass o2 l2. g | g | g | f | e- | g | c | f | g | b- | c | g | e- | f | b- | b-
+A swell l2. x^2. | x^2.
+B swell l2. x^2. | x^2.
+A buoy l2. r | r | r | r4 v90 x4 v50 x4 | r | r | r | r
+B buoy l2. r | r | r | r4 v90 x4 v50 x4 | r | r | r | r
+A horn o2 l2. r | r | r | r | f^2. | r | r
+B horn o2 l2. r | r | r | r | f^2. | r | r
+play |: A B
+)";
+
 namespace {
 constexpr int shore = 246; // above it the town, below it the town's image
 constexpr Point lamp = {424, 92};
@@ -119,7 +152,7 @@ void Intro_Draw(Canvas& canvas, float time) {
     for (int house = 0; house < houseCount; ++house)
         drawHouse(canvas, house, time);
     drawLighthouse(canvas);
-    drawBeam(canvas, 0.11f * time + 0.35f);
+    drawBeam(canvas, Music_BeatAt(time) / 12 + 0.25f); // towards the eye when the horn sounds
     drawWater(canvas, time);
     drawBoat(canvas, time);
 }

@@ -2,6 +2,36 @@
 #include "stage.h"
 const char Intro_Title[] = "Ostrik Intro 15 Inlaid";
 
+const char Intro_Tune[] = R"(
+// Inlaid wood: a galliard in G minor for lute and recorder over a small drum, in six beats.
+tempo 132
+meter 3/4
+volume 60
+reverb 50
+lute = saw adsr 1 500 5 150 lowpass 2600 15 sweep 1.2 60 level 22 pan -22 reverb 22
+recorder = sine adsr 22 60 88 70 vibrato 5 12 breath 4 fm 3 0.25 0 level 42 pan 15 reverb 35
+viol = saw adsr 70 150 80 150 lowpass 1000 20 detune 6 vibrato 4.8 14 level 24 pan -5 reverb 30
+tabor = noise adsr 1 90 0 15 bandpass 900 30 level 46 pan 20 reverb 20
+skin = sine adsr 1 180 0 20 drop 7 40 key g2 level 46 pan 10
+chime = sine adsr 1 800 0 300 fm 3.5 1.4 200 level 9 pan 45 reverb 40
+A recorder o5 l4 g g a | b-. a8 g | f f g | a. g8 f | e- e- d | c d e- | d2 d | d2. |
+  g g a | b-. >c8 d | c <b- a | b-. a8 g | a g f+ | g2 f+ | g2. | r2.
+A lute o4 l4 (<g> d g) d <b-> | (<g> d g) d g | (<f> c f) c <a> | (<f> c f) c f | (<c> g) e- c | (<c> g) c e- | (<d> f+ a) d f+ | (<d> f+ a) d <a> |
+  (<g> d g) d <b-> | (<b-> d f) b- f | (<c> e- g) c e- | (<g> d g) d <b-> | (<d> f+ a) d c | (<d> f+ a) d <a> | (<g> d g) d <b-> | (<g> d g)2.
+A viol o2 l2. g | g | f | f | c | c | d | d | g | b- | c | g | d | d | g | g
+B recorder o5 l8 >d4 d4 c <b- | >c4 c4 <b- a | b-4 b4 a g | a2. | b- a g a b- >c | d4 <b-4 g4 | f g a4 f4 | g2. |
+  >d c <b- >c d e- | f4 d4 <b-4 | >e- d c d e- c | d2. | c <b- a b- >c <a | b- a g a b- g | a g f+4 a4 | g2.
+B lute o4 l4 (<b-> d f) f b- | (<a> c f) f a | (<g> d g) d g | (<d> f+ a) d <a> | (<g> d g) d g | (<g> d g) b- g | (<d> f a) d f | (<g> d g) d <b-> |
+  (<b-> d f) f b- | (<b-> d f) b- f | (<c> e- g) g >c< | (<d> f+ a) d f+ | (<c> e- a) e- c | (<g> d g) d g | (<d> f+ a) d f+ | (<g> d g)2.
+B viol o2 l2. b- | f | g | d | g | g | d | g | b- | b- | c | d | c | g | d | g
+A tabor l8 x4 x x x4
+A skin l2. x | x2 x4
+B tabor l8 x x x x x4 | x4 x4 x4
+B skin l2. x2 x4 | x
+B chime l2. o6 d | r | r | a | r | r | r | g
+play |: A A B B A B
+)";
+
 namespace {
 constexpr float cellSize = 96;
 constexpr Colour woods[] = {0x8C4A20, 0xD8A868, 0x4C2414, 0xB87038};

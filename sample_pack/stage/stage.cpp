@@ -1,5 +1,7 @@
 #include "stage.h"
 
+#include "sound.h"
+
 #include <windows.h>
 
 namespace {
@@ -40,6 +42,7 @@ void coverScreen(HWND window) {
 
 void dropCurtain(HWND window) {
     isCurtainDown = true;
+    Sound_FadeOut();
     canvas = {};
     showCanvas(window);
 }
@@ -116,12 +119,19 @@ void waitUntil(float moment) {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, DWORD(left * 1000.0f), QS_ALLINPUT);
 }
 
+// The first picture takes longer: many intros make their tables for it. The sound waits for it.
+void startShow(HWND window) {
+    Intro_Draw(canvas, 0.0f);
+    showCanvas(window);
+    Sound_Start(window, Music_Tune());
+}
+
 void runShow(HWND window) {
     float next = 0.0f;
     while (handleMessages()) {
         const float now = readClock();
         if (!isCurtainDown && now >= next) {
-            Intro_Draw(canvas, now);
+            Intro_Draw(canvas, Sound_TimeAt(now));
             showCanvas(window);
             next = std::max(next + frameSeconds, now); // a late picture is not made up for
         }
@@ -133,7 +143,10 @@ void runShow(HWND window) {
 int WINAPI WinMain(HINSTANCE program, HINSTANCE, LPSTR, int) {
     SetProcessDPIAware(); // or the desktop enlarges a window that it believes to be small
     timeBeginPeriod(1);
-    runShow(openWindow(program));
+    HWND window = openWindow(program);
+    startShow(window);
+    runShow(window);
+    Sound_Stop();
     timeEndPeriod(1);
     return 0;
 }

@@ -1,6 +1,7 @@
-"""The real pack on the real menu: every row runs an intro that is to be seen and left."""
+"""The real pack on the real menu: every row runs an intro that is seen, heard and left."""
 
 import shutil
+import sys
 
 import numpy
 import pytest
@@ -8,10 +9,21 @@ import pytest
 from catalogue import INTRO_FILES
 from desk.gallery import show, thumbnail
 from desk.menu import DATA_NAME, PROGRAM_NAME, Menu
+from desk.sound import RATE
 from desk.waiting import wait_until
-from helpers import BUILD
+from helpers import BUILD, ROOT
+from listening import find_place
 
-SHOW_SECONDS = 0.3       # some effects grow out of the dark
+sys.path.append(str(ROOT / "tests" / "tools"))
+from tunes import intro_tunes, render  # noqa: E402
+
+SHOW_SECONDS = 1.2       # some effects grow out of the dark
+PIECE = (RATE // 5, RATE) # of the tune: what is looked for in the recording
+MIN_CORRELATION = 0.95   # of the piece with what is heard; other music comes nowhere near
+LONGEST_WAIT = RATE      # from the first picture to the first sound
+ENDING = RATE // 5       # from Escape to silence
+IN_FLIGHT = RATE // 5    # what the sound server and the card hold, half each
+SILENCE = RATE // 50     # a shorter one may belong to a tune
 GREATEST_LIKENESS = 0.9
 SMALL = (128, 96)
 
@@ -33,14 +45,58 @@ def shots(menu):
     return {}
 
 
+@pytest.fixture(scope="module")
+def tunes(desk, tmp_path_factory):
+    """What each intro should sound like at its beginning, by the name of its file."""
+    texts = intro_tunes()
+    rendered = render(tmp_path_factory.mktemp("tunes"), texts, 2, with_loop=False, run=desk.ask)
+    return {f"{name}.exe": tune.sound for name, tune in rendered.items()}
+
+
+@pytest.fixture(scope="module")
+def recording(desk, tunes):
+    recording = desk.sound.record(desk.folder / "walk.raw")
+    yield recording
+    recording.stop()
+
+
 @pytest.mark.parametrize("row", range(len(INTRO_FILES)), ids=INTRO_FILES)
-def test_the_intro_runs_moves_and_comes_back(menu, desk, helpers, shots, row):
+def test_the_intro_runs_sounds_moves_and_comes_back(menu, desk, helpers, shots, recording, tunes,
+                                                    row):
     mode = desk.ask(helpers.look, "mode")
     menu.select(row)
-    shots[row] = show(menu, row, INTRO_FILES[row], SHOW_SECONDS)
+    shots[row] = show(menu, row, INTRO_FILES[row], SHOW_SECONDS, recording)
     assert desk.ask(helpers.look, "mode") == mode
     # The menu hears of the end when Wine does, a moment before the process itself is gone.
     wait_until(lambda: INTRO_FILES[row] not in desk.program_names(), "the intro's process to go")
+    assert_heard(recording, shots[row], tunes[INTRO_FILES[row]])
+
+
+def assert_heard(recording, shot, tune):
+    """The intro's own tune is heard soon after its first picture and until Escape, without a click
+    at its end; then comes silence, and then the menu's song."""
+    seen, left, _ = shot.frames
+    end = wait_until(lambda: first_silence(recording, left), "the end of the intro's sound")
+    assert end - left <= ENDING + IN_FLIGHT
+    heard, piece = recording.samples(seen, end - seen) / 32768, tune[PIECE[0]:PIECE[1]]
+    begin = find_place(piece, heard)
+    assert correlation(piece, heard[begin:begin + len(piece)]) > MIN_CORRELATION
+    assert begin - PIECE[0] <= LONGEST_WAIT
+    steps = numpy.abs(numpy.diff(heard[max(begin, 0):], axis=0)).max(axis=1)
+    assert steps[-RATE // 20:].max() <= steps[:-RATE // 20].max(), "a click at the end"
+    wait_until(lambda: recording.samples(end).any(), "the menu's song after the intro")
+
+
+def first_silence(recording, after):
+    """Returns the first frame of the first silence after a frame, or None before there is one."""
+    loud = numpy.flatnonzero(recording.samples(after).any(axis=1))
+    ends = numpy.concatenate([[-1], loud, [recording.frames() - after]])
+    gaps = numpy.flatnonzero(numpy.diff(ends) > SILENCE)
+    return after + int(ends[gaps[0]]) + 1 if len(gaps) else None
+
+
+def correlation(one, other):
+    return (one * other).sum() / numpy.sqrt((one ** 2).sum() * (other ** 2).sum())
 
 
 def small_picture(shot):

@@ -20,6 +20,7 @@ def quick(monkeypatch):
     """A tour of seconds: nobody looks at it."""
     monkeypatch.setattr(tour, "SHOW_SECONDS", 0)
     monkeypatch.setattr(tour, "MUSIC_SECONDS", 1)
+    monkeypatch.setattr(tour, "INTRO_SECONDS", 0.5)
     monkeypatch.setattr(gallery, "INTRO_ROWS", SHOWN_ROWS)
 
 
@@ -38,7 +39,12 @@ def test_the_tour_leaves_pictures_and_sound(desk, stall, tmp_path, quick):
     with Image.open(out / "contact-sheet.png") as sheet:
         assert sheet.width == gallery.COLUMNS * gallery.THUMBNAIL[0]
     assert (out / "music.png").exists()
-    assert len(os.listdir(out)) == 8
+    for row in SHOWN_ROWS:
+        with wave.open(str(out / INTRO_FILES[row].replace(".exe", ".wav"))) as sound:
+            assert sound.getnframes() == RATE // 2
+    with Image.open(out / "intros-sound.png") as sheet:
+        assert sheet.width > sheet.height
+    assert len(os.listdir(out)) == 9 + len(SHOWN_ROWS)
 
 
 @pytest.mark.parametrize("option, words", [

@@ -17,22 +17,36 @@ LOADING_SECONDS = {"014-WRaS.exe": 12, "023-Myrtle.exe": 6}  # before there is s
 SHOWN_PIXELS = 100
 MOVED_PIXELS = 100
 
-# One intro as it was seen: its row, its file, its first picture and a later one.
-Shot = namedtuple("Shot", "row name first later")
+# One intro as it was seen and heard: its row, its file, its first picture and a later one, and the
+# recording's frames when the first picture was seen, when Escape was pressed and when the menu was
+# back; none without a recording.
+Shot = namedtuple("Shot", "row name first later frames")
 
 
-def show(menu, row, name, seconds=0.0):
-    """Runs the intro of the selected row and leaves it again. Gives a Shot of it, the later
-    picture taken when it has moved and `seconds` have passed; the menu is then back."""
+def show(menu, row, name, seconds=0.0, recording=None):
+    """Runs the intro of the selected row and leaves it again. Returns a Shot of it, the later
+    picture taken when it has moved and `seconds` have passed, in the time of the `recording` if
+    there is one; the menu is then back."""
     menu.press("Return")
     first = wait_shown(menu.desk, name)
-    time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
+    frames = []
+
+    def mark():
+        if recording:
+            frames.append(recording.frames())
+    mark()
+    if recording:
+        recording.wait_for(seconds)
+    else:
+        time.sleep(seconds)  # what a reader of the sheet wants to see: not an effect's first moment
     later = menu.desk.wait_picture(lambda pixels: _count(pixels != first) > MOVED_PIXELS,
                                    f"movement in the picture of {name}")
     menu.desk.screen.focus_program(name)
     menu.desk.screen.tap("Escape")
+    mark()
     menu.wait_up(row)
-    return Shot(row, name, first, later)
+    mark()
+    return Shot(row, name, first, later, frames)
 
 
 def wait_shown(desk, name):
@@ -44,11 +58,12 @@ def wait_shown(desk, name):
         f"a picture of {name}")
 
 
-def walk(menu, names, seconds=0.0):
+def walk(menu, names, seconds=0.0, recording=None):
     """Gives a Shot of every intro of the menu, row by row."""
     for row in INTRO_ROWS:
         menu.select(row)
-        yield show(menu, row, names[row], seconds + LOADING_SECONDS.get(names[row], 0))
+        wanted = max(seconds, LOADING_SECONDS.get(names[row], 0))
+        yield show(menu, row, names[row], wanted, recording)
 
 
 def thumbnail(shot):

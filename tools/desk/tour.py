@@ -7,7 +7,7 @@ import sys
 import wave
 from pathlib import Path
 
-from . import gallery, spectrogram
+from . import gallery, sound_sheet, spectrogram
 from .children import tidy_up_on_termination
 from .desk import Desk
 from .menu import INFO_ROW, Menu, highlighted_row
@@ -16,6 +16,7 @@ from .waiting import DeskError
 
 MUSIC_SECONDS = 10
 SHOW_SECONDS = 2.5
+INTRO_SECONDS = 8     # of sound are kept of each intro
 SHOWN_INTRO = 4
 
 
@@ -66,17 +67,24 @@ class Tour:
         print(f"  {MUSIC_SECONDS} s of the music", flush=True)
         start = self._recording.wait_for(MUSIC_SECONDS)
         samples = self._recording.samples(start, MUSIC_SECONDS * RATE)
-        with wave.open(str(self.out / "music.wav"), "wb") as file:
-            file.setparams((2, 2, RATE, 0, "NONE", ""))
-            file.writeframes(samples.tobytes())
+        self._write_sound("music", samples)
         spectrogram.draw(samples, RATE).save(self.out / "music.png")
 
     def _show_all_intros(self):
-        shots = []
-        for shot in gallery.walk(self.menu, self._names(), SHOW_SECONDS):
+        shots, sounds = [], {}
+        for shot in gallery.walk(self.menu, self._names(), INTRO_SECONDS, self._recording):
             shots.append(shot)
+            name = shot.name.removesuffix(".exe")
+            sounds[name] = self._recording.samples(shot.frames[0], int(INTRO_SECONDS * RATE))
+            self._write_sound(name, sounds[name])
             print(f"  intro {len(shots):2} of {len(self._names())}: {shot.name}", flush=True)
         gallery.contact_sheet(shots).save(self.out / "contact-sheet.png")
+        sound_sheet.draw(sounds).save(self.out / "intros-sound.png")
+
+    def _write_sound(self, name, samples):
+        with wave.open(str(self.out / f"{name}.wav"), "wb") as file:
+            file.setparams((2, 2, RATE, 0, "NONE", ""))
+            file.writeframes(samples.tobytes())
 
     def _leave(self):
         self.menu.press("Escape")
@@ -96,7 +104,7 @@ class Tour:
 def main(build):
     out = build / "tour"
     out.mkdir(parents=True, exist_ok=True)
-    print("Touring the menu on a headless desk; this takes two to three minutes, some seconds\n"
+    print("Touring the menu on a headless desk; this takes six to seven minutes, some seconds\n"
           "more the first time, when Wine sets itself up.", flush=True)
     with Desk(build / "desk" / "logs" / "tour", build / "desk" / "template") as desk:
         Tour(desk, build, out).walk()
