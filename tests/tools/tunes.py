@@ -43,7 +43,7 @@ def render(folder, texts, seconds, with_loop=True, run=run_on_session):
     are rendered `with_loop`, which takes a while."""
     for name, text in texts.items():
         (folder / f"{name}.txt").write_text(text)
-    program = next(BUILD.glob("**/render_tune.exe"))
+    program = BUILD / "release" / "sample_pack" / "render_tune.exe"
     printed = run(program, str(folder), str(seconds), str(int(with_loop)), *texts)
     lines = [line.split() for line in printed.splitlines()]
     return {name: Rendered(*map(int, numbers), _sound(folder / f"{name}.raw"),
