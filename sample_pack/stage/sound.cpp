@@ -68,10 +68,12 @@ void fadeRing() {
     int left = fadeFrames;
     withRing(cursor / frameBytes + guardFrames, ringFrames - aheadFrames / 2,
              [&](int16_t* samples, int frames) {
-                 for (int frame = 0; frame<frames; ++frame, left -= left> 0)
+                 for (int frame = 0; frame < frames; ++frame) {
                      for (int side = 0; side < 2; ++side)
                          samples[2 * frame + side] =
                              int16_t(samples[2 * frame + side] * left / fadeFrames);
+                     left = left > 0 ? left - 1 : 0;
+                 }
              });
 }
 

@@ -27,9 +27,10 @@ struct Parser {
 };
 
 // An option of an instrument and the fields that its numbers go to, each with its unit.
+using InstrumentField = float Instrument::*;
 struct Option {
     const char* word;
-    float Instrument::*fields[4];
+    InstrumentField fields[4];
     float units[4];
 };
 
@@ -62,7 +63,8 @@ constexpr const char* waves[] = {"sine", "triangle", "saw", "pulse", "noise"};
 constexpr const char* filters[] = {"", "lowpass", "bandpass", "highpass"};
 
 constexpr const char* settingWords[] = {"tempo", "swing", "volume", "reverb"};
-constexpr float Tune::*settings[] = {&Tune::tempo, &Tune::swing, &Tune::volume, &Tune::reverb};
+using TuneField = float Tune::*;
+constexpr TuneField settings[] = {&Tune::tempo, &Tune::swing, &Tune::volume, &Tune::reverb};
 constexpr float settingUnits[] = {1, percent, percent, percent};
 
 void reportFault(Tune& tune, const char* at) {
