@@ -18,12 +18,14 @@ sys.path.append(str(ROOT / "tests" / "tools"))
 from tunes import intro_tunes, render  # noqa: E402
 
 SHOW_SECONDS = 1.2       # some effects grow out of the dark
-PIECE = (RATE // 5, RATE) # of the tune: what is looked for in the recording
-MIN_CORRELATION = 0.95   # of the piece with what is heard; other music comes nowhere near
+TUNE_SECONDS = 8         # of each tune are looked through
+MIN_CORRELATION = 0.95   # of what is heard with the tune; other music comes nowhere near
 LONGEST_WAIT = RATE      # from the first picture to the first sound
 ENDING = RATE // 5       # from Escape to silence
-IN_FLIGHT = RATE // 5    # what the sound server and the card hold, half each
-SILENCE = RATE // 50     # a shorter one may belong to a tune
+IN_FLIGHT = RATE // 2    # what sound server and card may still have to play
+SILENCE = RATE // 10     # between intro and song; where a busy machine is late it is shorter
+GAP = RATE // 1000       # two pieces of sound are that far apart
+SHORTEST = RATE // 8     # a shorter piece could be found in a tune by chance
 GREATEST_LIKENESS = 0.9
 SMALL = (128, 96)
 
@@ -49,7 +51,8 @@ def shots(menu):
 def tunes(desk, tmp_path_factory):
     """What each intro should sound like at its beginning, by the name of its file."""
     texts = intro_tunes()
-    rendered = render(tmp_path_factory.mktemp("tunes"), texts, 2, with_loop=False, run=desk.ask)
+    rendered = render(tmp_path_factory.mktemp("tunes"), texts, TUNE_SECONDS, with_loop=False,
+                      run=desk.ask)
     return {f"{name}.exe": tune.sound for name, tune in rendered.items()}
 
 
@@ -73,18 +76,37 @@ def test_the_intro_runs_sounds_moves_and_comes_back(menu, desk, helpers, shots, 
 
 
 def assert_heard(recording, shot, tune):
-    """The intro's own tune is heard soon after its first picture and until Escape, without a click
-    at its end; then comes silence, and then the menu's song."""
+    """The intro's own tune is heard soon after its first picture, and fades out at Escape; then comes
+    silence, and then the menu's song."""
     seen, left, _ = shot.frames
     end = wait_until(lambda: first_silence(recording, left), "the end of the intro's sound")
     assert end - left <= ENDING + IN_FLIGHT
-    heard, piece = recording.samples(seen, end - seen) / 32768, tune[PIECE[0]:PIECE[1]]
-    begin = find_place(piece, heard)
-    assert correlation(piece, heard[begin:begin + len(piece)]) > MIN_CORRELATION
-    assert begin - PIECE[0] <= LONGEST_WAIT
-    steps = numpy.abs(numpy.diff(heard[max(begin, 0):], axis=0)).max(axis=1)
-    assert steps[-RATE // 20:].max() <= steps[:-RATE // 20].max(), "a click at the end"
+    heard = recording.samples(seen, end - seen) / 32768
+    found = [begin for begin, piece in pieces(heard) if is_in_tune(piece[:RATE // 2], tune)]
+    assert found, "other music, or none"
+    assert found[0] <= LONGEST_WAIT + IN_FLIGHT
+    if not interrupted(heard[found[0]:]):
+        assert numpy.abs(heard[-RATE // 500:]).max() < 0.1 * numpy.abs(heard).max(), "a click"
     wait_until(lambda: recording.samples(end).any(), "the menu's song after the intro")
+
+
+def pieces(sound):
+    """The pieces between silences that are long enough, each with its first frame. A sound server
+    that had to wait plays silence, and the music goes on after it."""
+    loud = numpy.flatnonzero(sound.any(axis=1))
+    for run in numpy.split(loud, numpy.flatnonzero(numpy.diff(loud) > GAP) + 1):
+        if len(run) and run[-1] - run[0] >= SHORTEST:
+            yield int(run[0]), sound[run[0]:run[-1] + 1]
+
+
+def interrupted(sound):
+    """Whether the sound server had to wait, whose silence cuts off the fade as well."""
+    return numpy.diff(numpy.flatnonzero(sound.any(axis=1)), append=len(sound)).max() > GAP
+
+
+def is_in_tune(piece, tune):
+    place = find_place(piece, tune)
+    return correlation(piece, tune[place:place + len(piece)]) > MIN_CORRELATION
 
 
 def first_silence(recording, after):
