@@ -11,8 +11,8 @@
 
 struct _ModPlugFile;
 
-// The main thread writes `playing`, the render thread writes `renderRunning`. There is no lock: these
-// two flags are the whole hand-over. Module_Stop waits only for a thread that has set
+// The main thread writes `playing`, the render thread writes `renderRunning`. There is no lock:
+// these two flags are the whole hand-over. Module_Stop waits only for a thread that has set
 // `renderRunning`. If a stop comes before the new thread has done that, it does not wait, and the
 // thread then runs along with whatever follows: after an immediate restart two threads render the
 // same song at the same time, until the next stop. Intentional: the launcher draws many frames
