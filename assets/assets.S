@@ -10,4 +10,3 @@ BannerData:
 ModuleData:
         .incbin "assets/module.xm"
 ModuleDataEnd:
-        .byte   0

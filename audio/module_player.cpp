@@ -1,5 +1,8 @@
 #include "audio/module_player.h"
 
+#include "audio/module_player_state.h"
+#include "audio/sound_device.h"
+
 #include <libmodplug/modplug.h>
 
 namespace {
@@ -9,8 +12,6 @@ constexpr int32_t masterVolume = 512; // the library's ceiling; the loud setting
 constexpr int32_t streamBytes = 204800;
 constexpr DWORD pollInterval = 10; // milliseconds
 constexpr SIZE_T threadStack = 8192;
-
-ObjectRegistry* moduleRegistry;
 
 ModulePlayer* lookUp(ObjectId number) {
     return static_cast<ModulePlayer*>(Registry_Lookup(moduleRegistry, number));
@@ -102,7 +103,7 @@ ModulePlayer* Module_FromMemory(ObjectId number, const void* data, int32_t lengt
         if (giveBuffer(player))
             return player;
     }
-    Registry_Release(moduleRegistry, Registry_IdOf(number, player));
+    Registry_GiveUp(moduleRegistry, number, player);
     return nullptr;
 }
 

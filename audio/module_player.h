@@ -5,28 +5,16 @@
 // The song is endless only because it ends in a backward jump of its own; a song without one is
 // heard once and then silence. Nothing here rewinds.
 //
-// All operations belong to one thread, the main one. It alone writes `playing`, the render thread
-// alone writes `renderRunning`; there is no lock, and these two are the whole hand-over. While a
-// module plays, no number beyond the registry's first capacity may be claimed, since the thread
-// holds its record's address; and only one module may play, since the library mixes process-wide.
+// All operations belong to one thread, the main one. While a module plays, no number beyond the
+// registry's first capacity may be claimed, since the render thread holds its record's address; and
+// only one module may play, since the library mixes process-wide.
 #pragma once
 
-#include "audio/sound_device.h"
 #include "runtime/object_registry.h"
 
-#include <atomic>
 #include <cstdint>
 
-struct _ModPlugFile;
-
-struct ModulePlayer {
-    _ModPlugFile* module;             // owned
-    std::atomic<int32_t> playing;     // 1 from Module_Play to Module_Stop
-    IDirectSoundBuffer* streamBuffer; // owned
-    int32_t bufferBytes;
-    std::atomic<int32_t> renderRunning; // 1 while the render thread lives
-};
-static_assert(sizeof(ModulePlayer) == 32 && sizeof(std::atomic<int32_t>) == 4);
+struct ModulePlayer;
 
 void Module_SubsystemInit();
 
@@ -46,6 +34,3 @@ int64_t Module_Play(ObjectId number);
 void Module_Stop(ObjectId number);
 
 void Module_Free(ObjectId number);
-
-// The render thread of one record.
-DWORD WINAPI Module_RenderThread(void* record);

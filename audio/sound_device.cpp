@@ -1,11 +1,11 @@
 #include "audio/sound_device.h"
 
+#include "audio/sound_device_state.h"
 #include "display/screen_device.h"
 #include "display/window.h"
+#include "runtime/library.h"
 
 #include <cmath>
-
-SoundDevice Sound;
 
 namespace {
 
@@ -34,8 +34,7 @@ bool createDevice() {
     Sound.dsoundLibrary = LoadLibraryA("DSOUND.DLL");
     if (!Sound.dsoundLibrary)
         return false;
-    auto create = reinterpret_cast<CreateFunction>(
-        reinterpret_cast<void*>(GetProcAddress(Sound.dsoundLibrary, "DirectSoundCreate")));
+    auto create = Library_Find<CreateFunction>(Sound.dsoundLibrary, "DirectSoundCreate");
     return create && create(nullptr, &Sound.directSound, nullptr) == DS_OK;
 }
 

@@ -1,9 +1,9 @@
 #include "desktop/message_box.h"
 
+#include "desktop/message_box_state.h"
+
 #include <commctrl.h>
 #include <objbase.h>
-
-LooseBlock* disabledWindows;
 
 namespace {
 
@@ -33,7 +33,7 @@ BOOL CALLBACK visitWindow(HWND window, LPARAM) {
 
 } // namespace
 
-HRESULT Desk_SubsystemInit() {
+int32_t Desk_SubsystemInit() {
     InitCommonControls();
     return CoInitialize(nullptr);
 }

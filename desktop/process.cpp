@@ -1,11 +1,12 @@
 #include "desktop/process.h"
 
+#include "desktop/process_state.h"
 #include "runtime/program.h"
 
 #include <cstring>
-#include <shellapi.h>
+#include <windows.h>
 
-LooseBlock* processList;
+#include <shellapi.h>
 
 namespace {
 

@@ -4,10 +4,7 @@
 // A kept child's record and handles last until the process ends; nothing frees them.
 #pragma once
 
-#include "runtime/heap.h"
-
 #include <cstdint>
-#include <windows.h>
 
 constexpr int32_t PROC_WAIT = 1; // wait without limit for the child's end
 constexpr int32_t PROC_HIDE = 2; // no visible window, detached from any console
@@ -19,15 +16,13 @@ constexpr int32_t PROC_PIPE_ERR = 32;
 constexpr int32_t PROC_CHAIN = 64; // the child's input is the sender's output
 
 struct ProcessHandle {
-    HANDLE process;
+    void* process;     // a process handle
     int32_t processId; // -1 if the shell started it
-    HANDLE stdinWrite; // our ends of the pipes, or null
-    HANDLE stdoutRead;
-    HANDLE stderrRead;
+    void* stdinWrite;  // our ends of the pipes, or null
+    void* stdoutRead;
+    void* stderrRead;
 };
 static_assert(sizeof(ProcessHandle) == 40);
-
-extern LooseBlock* processList;
 
 void Proc_SubsystemInit();
 

@@ -1,12 +1,13 @@
 #include "display/direct_draw.h"
 
+#include "runtime/library.h"
+
 namespace {
 
 using CreateFunction = HRESULT(WINAPI*)(GUID*, void**, REFIID, IUnknown*);
 
 void createObject() {
-    auto create = reinterpret_cast<CreateFunction>(
-        reinterpret_cast<void*>(GetProcAddress(Screen.ddrawLibrary, "DirectDrawCreateEx")));
+    auto create = Library_Find<CreateFunction>(Screen.ddrawLibrary, "DirectDrawCreateEx");
     if (create)
         create(nullptr, reinterpret_cast<void**>(&Screen.ddraw), IID_IDirectDraw7, nullptr);
 }

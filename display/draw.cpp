@@ -1,8 +1,9 @@
 #include "display/draw.h"
 
-#include <cstring>
+#include "display/draw_state.h"
+#include "display/packed_dib.h"
 
-DrawPass Pass;
+#include <cstring>
 
 namespace {
 
@@ -111,7 +112,7 @@ void Draw_SubsystemInit() {
     Pass.defaultPen = CreatePen(PS_SOLID, 0, 0);
 }
 
-HDC Draw_Begin(const DrawTarget* target) {
+void* Draw_Begin(const DrawTarget* target) {
     Draw_End();
     if (!target)
         return Pass.dc;
@@ -172,8 +173,8 @@ void Draw_ImageSized(int64_t image, int32_t x, int32_t y, int32_t width, int32_t
         DrawIconEx(Pass.dc, x, y, static_cast<HICON>(object), width, height, 0, nullptr, DI_NORMAL);
 }
 
-int32_t Draw_Text(int32_t x, int32_t y, const char* text, COLORREF foreground,
-                  COLORREF background) {
+int32_t Draw_Text(int32_t x, int32_t y, const char* text, uint32_t foreground,
+                  uint32_t background) {
     if (!Pass.dc)
         return 0;
     Draw_ResumeDc();

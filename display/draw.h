@@ -8,64 +8,15 @@
 #pragma once
 
 #include <cstdint>
-#include <windows.h>
 
-// Where a target's device context comes from, and how Draw_End gives it back. Any other kind is a
-// context handed over to the pass, which deletes it.
-constexpr int32_t DrawTarget_Window = 1;  // taken from the window and given back to it
-constexpr int32_t DrawTarget_Context = 2; // the target's own; given back by its release routine
-constexpr int32_t DrawTarget_Bits = 5;    // the same, taking images as device-independent bits only
-constexpr int32_t DrawTarget_Surface = 7; // a DirectDraw surface's; the same
+struct DrawTarget;
 
-using TargetRelease = void (*)();
-using TargetResume = HDC (*)();
-using TargetLock = void* (*)(int32_t* pitch);
-
-// Something drawable. Owned by whoever made it.
-struct DrawTarget {
-    int32_t kind;
-    HWND window; // DrawTarget_Window only
-    HDC dc;      // all other kinds
-    TargetRelease release;
-    // From here on for DrawTarget_Surface only.
-    void* buffer;       // not filled by the screen
-    int32_t bufferInfo; // the same
-    int32_t width;      // pixels
-    int32_t height;
-    int32_t depth;       // bits per pixel
-    int32_t format;      // a PixelFormatCode
-    TargetResume resume; // gives the context back after pixel work
-    TargetLock lock;     // gives the context up for pixel work; null on failure
-};
-
-// The pass between Draw_Begin and Draw_End.
-struct DrawPass {
-    HDC dc;              // null: no pass
-    COLORREF textColor;  // standing text colour, black
-    int32_t mode;        // bits of Draw_SetMode
-    int32_t dcState;     // 1; -1 once the context was given up for pixel work
-    COLORREF backColor;  // white
-    HBRUSH brush;        // owned by the pass
-    HPEN pen;            // owned by the pass; none is made here
-    HFONT font;          // not owned
-    HBRUSH defaultBrush; // black, for the life of the process
-    HPEN defaultPen;     // black hairline, for the life of the process
-    HGDIOBJ savedBrush;  // what the context held before
-    HGDIOBJ savedPen;
-    int32_t kind; // from here on as in DrawTarget
-    HWND window;
-    TargetRelease release;
-    void* buffer;
-    int32_t bufferInfo;
-    int32_t width;
-    int32_t height;
-    int32_t depth;
-    int32_t format;
-    TargetResume resume;
-    TargetLock lock;
-};
-
-extern DrawPass Pass;
+// A drawing color: red in the low byte, green next, blue above. The channels are not masked: a
+// value above 255 runs into its neighbor.
+constexpr int64_t Color_Rgb(int32_t red, int32_t green, int32_t blue) {
+    const int64_t blueGreen = (static_cast<int64_t>(blue) << 8) | green;
+    return (blueGreen << 8) | red;
+}
 
 // Bits of Draw_SetMode. A clear bit sets the opposite.
 constexpr int32_t DrawMode_Transparent = 1; // text without a box of its background colour
@@ -76,7 +27,7 @@ void Draw_SubsystemInit();
 
 // Ends the pass before, if there is one. Gives the device context; 0 for a null target or one
 // without a context.
-HDC Draw_Begin(const DrawTarget* target);
+void* Draw_Begin(const DrawTarget* target);
 void Draw_End();
 
 void Draw_SetMode(int32_t mode);
@@ -94,12 +45,8 @@ void Draw_ImageSized(int64_t image, int32_t x, int32_t y, int32_t width, int32_t
 
 // Draws `text` with its top left corner at x, y, neither clipped nor wrapped. Both colours are for
 // this call alone. Gives the x behind the text, 0 without a pass.
-int32_t Draw_Text(int32_t x, int32_t y, const char* text, COLORREF foreground, COLORREF background);
+int32_t Draw_Text(int32_t x, int32_t y, const char* text, uint32_t foreground, uint32_t background);
 
 // Ahead of every drawing operation: takes the context back and rebuilds its state if it was given
 // up for pixel work.
 void Draw_ResumeDc();
-
-// A GlobalAlloc block with the bitmap as a BITMAPINFOHEADER and 24-bit rows, or null. The caller
-// frees it. `palette` may be null.
-HGLOBAL Bitmap_ToPackedDib(HBITMAP image, HPALETTE palette);

@@ -1,14 +1,16 @@
 #include "display/font.h"
 
+#include "display/font_state.h"
+
 #include <windows.h>
 
 namespace {
 
 constexpr int32_t registryStep = 16;
 
-ObjectRegistry* fonts;
-
-FontObject* lookUp(ObjectId id) { return static_cast<FontObject*>(Registry_Lookup(fonts, id)); }
+FontObject* lookUp(ObjectId id) {
+    return static_cast<FontObject*>(Registry_Lookup(fontRegistry, id));
+}
 
 // Negative, to ask for a character height and not a cell height: so the points hold.
 int characterHeight(HDC display, int32_t points) {
@@ -26,10 +28,12 @@ HFONT makeFont(int height, const char* face, int32_t flags) {
 
 } // namespace
 
-void Font_SubsystemInit() { fonts = Registry_New(sizeof(FontObject), registryStep, Font_Free); }
+void Font_SubsystemInit() {
+    fontRegistry = Registry_New(sizeof(FontObject), registryStep, Font_Free);
+}
 
 int64_t Font_Create(ObjectId id, const char* face, int32_t points, int32_t flags) {
-    auto* record = static_cast<FontObject*>(Registry_Claim(fonts, id));
+    auto* record = static_cast<FontObject*>(Registry_Claim(fontRegistry, id));
     if (!record)
         return 0;
     HDC display = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
@@ -38,8 +42,8 @@ int64_t Font_Create(ObjectId id, const char* face, int32_t points, int32_t flags
     if (font) {
         record->handle = reinterpret_cast<int64_t>(font);
         result = id == ObjectId_Any ? reinterpret_cast<int64_t>(record) : record->handle;
-    } else if (id == ObjectId_Any) {
-        Registry_Release(fonts, reinterpret_cast<ObjectId>(record));
+    } else {
+        Registry_GiveUp(fontRegistry, id, record);
     }
     if (display)
         DeleteDC(display);
@@ -60,7 +64,7 @@ void Font_Free(ObjectId id) {
     if (!font)
         return;
     DeleteObject(reinterpret_cast<HGDIOBJ>(font->handle));
-    Registry_Release(fonts, id);
+    Registry_Release(fontRegistry, id);
 }
 
-void Font_SubsystemEnd() { Registry_FreeAll(fonts); }
+void Font_SubsystemEnd() { Registry_FreeAll(fontRegistry); }

@@ -1,5 +1,7 @@
 #include "display/frame.h"
 
+#include "display/frame_target.h"
+#include "display/screen_device.h"
 #include "display/surfaces.h"
 
 namespace {
@@ -162,10 +164,6 @@ void Screen_Present(int32_t flags) {
     const bool hasOwnRate = Screen.monitorFrequency != static_cast<DWORD>(Screen.refreshRate);
     if (Screen.limiterRate != 0 && hasOwnRate)
         Screen_WaitFrame();
-}
-
-int32_t Screen_IsActive() {
-    return Screen.windowed ? GetForegroundWindow() == Screen.window : Screen.active;
 }
 
 // At depth 16 the packing is 5-6-5 even where the surface was found to be 5-5-5: the format code is

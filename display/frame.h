@@ -4,9 +4,10 @@
 // up, the next one is shown. Main thread only.
 #pragma once
 
-#include "display/screen_device.h"
-
 #include <cstdint>
+
+struct DrawTarget;
+struct IDirectDrawSurface7;
 
 // Bits of Screen_Present's flags.
 constexpr int32_t Present_Retrace = 1; // the flip waits for the vertical retrace
@@ -20,24 +21,12 @@ void Screen_Clear(uint32_t colour);
 // or if it cannot be had.
 const DrawTarget* Screen_BackBuffer();
 
-// Gives the back buffer's context or lock back, if there is one. Also the target's release routine.
-void Screen_ReleaseTargetDc();
-
-// The target's resume routine: the context, taken anew after a lock. Null on failure.
-HDC Screen_ReacquireDc();
-
-// The target's lock routine: exchanges the context for the pixels' address. Null on failure.
-void* Screen_LockPixels(int32_t* pitch);
-
 // Ends drawing that was left open, and presents. Give the back buffer.
 IDirectDrawSurface7* Screen_Flip();
 IDirectDrawSurface7* Screen_FlipWith(int32_t flags);
 
 // Pumps the messages, flips, recovers lost surfaces. An inactive screen returns at once.
 void Screen_Present(int32_t flags);
-
-// 1 while the screen may present.
-int32_t Screen_IsActive();
 
 // A pixel in the screen's form. At 16 bits that is always 5-6-5.
 uint32_t Screen_NativeColor(uint32_t r, uint32_t g, uint32_t b);

@@ -64,8 +64,7 @@ uint16_t colorTableSize(const BITMAPINFOHEADER& header) {
 
 void derive(IconImage* icon) {
     icon->header = reinterpret_cast<const BITMAPINFOHEADER*>(icon->bits);
-    BITMAPINFOHEADER header; // the data may stand at any address
-    std::memcpy(&header, icon->bits, sizeof header);
+    const BITMAPINFOHEADER& header = *icon->header;
     icon->width = header.biWidth;
     icon->height = header.biHeight / 2;
     icon->colors = header.biBitCount * header.biPlanes;

@@ -1,7 +1,9 @@
 #include "display/image.h"
 
 #include "display/icon.h"
+#include "display/image_bitmap.h"
 #include "display/image_decoder.h"
+#include "display/image_state.h"
 
 #include <cstring>
 
@@ -16,9 +18,9 @@ constexpr size_t widthField = 18;
 constexpr size_t heightField = 22;
 constexpr int32_t sectionBits = 32;
 
-ObjectRegistry* images;
-
-ImageObject* lookUp(ObjectId id) { return static_cast<ImageObject*>(Registry_Lookup(images, id)); }
+ImageObject* lookUp(ObjectId id) {
+    return static_cast<ImageObject*>(Registry_Lookup(imageRegistry, id));
+}
 
 template <typename Value>
 Value readAt(const void* data, size_t offset) {
@@ -98,14 +100,15 @@ HBITMAP makeSection(HDC dc, int32_t width, int32_t height, int32_t bits) {
 
 } // namespace
 
-void Image_SubsystemInit() { images = Registry_New(sizeof(ImageObject), registryStep, Image_Free); }
+void Image_SubsystemInit() {
+    imageRegistry = Registry_New(sizeof(ImageObject), registryStep, Image_Free);
+}
 
 int64_t Image_Load(ObjectId id, const void* data, int64_t length, int32_t flags) {
-    auto* record = static_cast<ImageObject*>(Registry_Claim(images, id));
+    auto* record = static_cast<ImageObject*>(Registry_Claim(imageRegistry, id));
     const NativeImage image = loadAny(data, length, flags);
     if (!image.handle) {
-        if (id == ObjectId_Any)
-            Registry_Release(images, reinterpret_cast<ObjectId>(record));
+        Registry_GiveUp(imageRegistry, id, record);
         return 0;
     }
     record->handle = reinterpret_cast<int64_t>(image.handle);
@@ -151,10 +154,10 @@ void Image_Free(ObjectId id) {
         DeleteObject(handle);
     else
         DestroyIcon(static_cast<HICON>(handle));
-    Registry_Release(images, id);
+    Registry_Release(imageRegistry, id);
 }
 
-void Image_SubsystemEnd() { Registry_FreeAll(images); }
+void Image_SubsystemEnd() { Registry_FreeAll(imageRegistry); }
 
 HBITMAP Image_MakeBitmap(int32_t width, int32_t height, int32_t flags, int32_t bits) {
     HDC display = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);

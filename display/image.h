@@ -9,7 +9,6 @@
 #include "runtime/object_registry.h"
 
 #include <cstdint>
-#include <windows.h>
 
 struct ImageObject {
     int64_t handle; // a GDI bitmap, or an icon: GetObjectType tells which
@@ -42,6 +41,3 @@ int64_t Image_Depth(ObjectId id);
 
 void Image_Free(ObjectId id);
 void Image_SubsystemEnd();
-
-// An uninitialised bitmap; null on failure. `bits` per pixel counts for a section only.
-HBITMAP Image_MakeBitmap(int32_t width, int32_t height, int32_t flags, int32_t bits);

@@ -1,9 +1,9 @@
 #include "display/image_decoder.h"
 
 #include "display/image.h"
+#include "display/image_bitmap.h"
+#include "display/image_decoder_state.h"
 #include "runtime/program.h"
-
-ImageDecoderList ImageDecoders;
 
 namespace {
 

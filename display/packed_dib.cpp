@@ -1,4 +1,6 @@
-#include "display/draw.h"
+#include "display/packed_dib.h"
+
+#include <cstdint>
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "display/direct_draw.h"
 #include "display/frame.h"
+#include "display/screen_device.h"
+#include "display/screen_steps.h"
 #include "display/surfaces.h"
 #include "display/window.h"
 #include "input/keyboard.h"

@@ -5,7 +5,7 @@
 // Nothing here shows a message.
 #pragma once
 
-#include "display/screen_device.h"
+#include "runtime/object_registry.h"
 
 #include <cstdint>
 
@@ -22,10 +22,3 @@ void Screen_Close();
 // Does nothing; Screen_SubsystemEnd2 does the work.
 void Screen_SubsystemEnd();
 void Screen_SubsystemEnd2();
-
-// Steps of open and close.
-int32_t Screen_CreateSurfaces();                           // 1 or 0
-HRESULT Screen_ClearSurface(IDirectDrawSurface7* surface); // black
-void Screen_ClearBuffers();
-void Screen_DetectFormat(); // leaves pixelFormat as it was if the primary cannot be locked
-void Screen_ReleaseDevice();

@@ -3,7 +3,7 @@
 // surfaces. Main thread only.
 #pragma once
 
-#include "display/draw.h"
+#include "display/draw_target.h"
 #include "runtime/object_registry.h"
 
 #include <cstdint>
@@ -62,6 +62,9 @@ struct ScreenDevice {
     int32_t limiterTicks; // performance-counter ticks of one frame
     int32_t limiterStamp; // low 32 bits of the counter at the last frame's end
 };
+
+// Returns 1 while the screen may present.
+int32_t Screen_IsActive();
 
 constexpr int64_t TargetDc_None = 0;
 constexpr int64_t TargetDc_Locked = -1;

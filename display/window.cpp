@@ -1,6 +1,7 @@
 #include "display/window.h"
 
 #include "display/screen_device.h"
+#include "display/window_procedure.h"
 #include "input/mouse.h"
 #include "runtime/program.h"
 

@@ -1,16 +1,10 @@
 #include "input/direct_input.h"
 
+#include "input/direct_input_state.h"
+#include "runtime/library.h"
 #include "runtime/program.h"
 
 namespace {
-
-struct DirectInputLoader {
-    IDirectInput7A* directInput;
-    HMODULE library;
-    int directInputUsers;
-};
-
-DirectInputLoader Loader;
 
 using CreateFunction = HRESULT(WINAPI*)(HINSTANCE, DWORD, REFIID, void**, IUnknown*);
 
@@ -18,11 +12,11 @@ void load() {
     Loader.library = LoadLibraryA("DINPUT.DLL");
     if (!Loader.library)
         return;
-    auto create = reinterpret_cast<CreateFunction>(
-        reinterpret_cast<void*>(GetProcAddress(Loader.library, "DirectInputCreateEx")));
-    if (create)
-        create(ProgramInstance, DIRECTINPUT_VERSION, IID_IDirectInput7A,
-               reinterpret_cast<void**>(&Loader.directInput), nullptr);
+    auto create = Library_Find<CreateFunction>(Loader.library, "DirectInputCreateEx");
+    void* made = nullptr;
+    if (create &&
+        create(ProgramInstance, DIRECTINPUT_VERSION, IID_IDirectInput7A, &made, nullptr) == DI_OK)
+        Loader.directInput = static_cast<IDirectInput7A*>(made);
 }
 
 } // namespace

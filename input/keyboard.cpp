@@ -1,11 +1,13 @@
 #include "input/keyboard.h"
 
 #include "display/screen_device.h"
+#include "input/keyboard_state.h"
 #include "runtime/program.h"
 
-KeyboardDevice Keyboard;
-
 namespace {
+
+static_assert(Key_Escape == DIK_ESCAPE && Key_Return == DIK_RETURN && Key_Up == DIK_UP &&
+              Key_Left == DIK_LEFT && Key_Right == DIK_RIGHT && Key_Down == DIK_DOWN);
 
 constexpr DWORD keyCount = 256;
 constexpr uint8_t downBit = 0x80;

@@ -6,29 +6,15 @@
 // a key's history, and each key has its own. Main thread only.
 #pragma once
 
-#include "input/direct_input.h"
-
 #include <cstdint>
 
-enum KeyboardState : int32_t {
-    KeyboardState_None = 0, // no device
-    KeyboardState_Made = 1, // the device has to be given its window and acquired
-    KeyboardState_Acquired = 2,
-};
-
-struct KeyboardDevice {
-    int32_t started; // set-up ran, whether or not it succeeded
-    KeyboardState state;
-    IDirectInputDevice7A* device;
-    uint8_t keyState[256]; // the latest snapshot; top bit set: down
-    uint8_t wasDown[256];  // 1: seen down, its release not reported yet; never cleared in bulk
-    int32_t useKeyMap;     // nothing sets it: codes are scan codes
-    uint8_t keyMap[256];
-    DIOBJECTDATAFORMAT* formatTable; // 256 descriptions on the GeneralHeap, never freed
-};
-
-extern KeyboardDevice Keyboard;
-
+// The scan codes that the launcher asks for.
+constexpr int32_t Key_Escape = 0x01;
+constexpr int32_t Key_Return = 0x1C;
+constexpr int32_t Key_Up = 0xC8;
+constexpr int32_t Key_Left = 0xCB;
+constexpr int32_t Key_Right = 0xCD;
+constexpr int32_t Key_Down = 0xD0;
 constexpr int32_t Keyboard_AnyKey = -1;
 
 // Not 0 on success. A repeated call leaves the device as it is, but counts a user of DirectInput.

@@ -1,8 +1,7 @@
 #include "input/mouse.h"
 
-#include "display/frame.h"
-
-MouseDevice Mouse;
+#include "display/screen_device.h"
+#include "input/mouse_state.h"
 
 namespace {
 

@@ -5,36 +5,7 @@
 // Every poll asks whether the screen is active, and needs it open: a closed screen has no size.
 #pragma once
 
-#include "input/direct_input.h"
-
 #include <cstdint>
-
-enum MouseAcquireState : int32_t {
-    MouseState_Made = 1, // still needs its cooperative level
-    MouseState_Acquired = 2,
-};
-
-constexpr DWORD MouseEventLimit = 24;
-
-struct MouseDevice {
-    int32_t started; // set-up ran, whether or not it succeeded
-    IDirectInputDevice7A* device;
-    int32_t releasedByProgram; // 1 while the program has let go of the mouse
-    int32_t cursorShown;       // 1 while the system cursor is visible, as far as is known here
-    MouseAcquireState acquireState;
-    int32_t mouseX; // screen pixels
-    int32_t mouseY;
-    int32_t deltaX; // motion of the last poll
-    int32_t deltaY;
-    int32_t deltaWheel;
-    int32_t buttons[3]; // 1 while down
-    int32_t wheelStep;  // the wheel's granularity
-    HRESULT lastResult; // of the last read of events
-    DIDEVICEOBJECTDATA eventBuffer[MouseEventLimit];
-};
-static_assert(sizeof(DIDEVICEOBJECTDATA) == 16, "the older, short form of an event");
-
-extern MouseDevice Mouse;
 
 // 1 on success, 0 on failure. Makes the device and nothing more.
 int64_t Mouse_SubsystemInit();

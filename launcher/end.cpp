@@ -1,6 +1,7 @@
 #include "launcher/end.h"
 
 #include "audio/module_player.h"
+#include "audio/sound_device.h"
 #include "display/font.h"
 #include "display/image.h"
 #include "display/screen.h"
@@ -10,6 +11,8 @@
 #include "launcher/variables.h"
 #include "runtime/file.h"
 #include "runtime/program.h"
+
+#include <windows.h>
 
 // The catalogue, the texts and the info lines are not freed one by one: they go with the process.
 void Launcher_End() {

@@ -3,7 +3,10 @@
 
 #include "assets/assets.h"
 #include "audio/module_player.h"
+#include "audio/sound_device.h"
 #include "desktop/message_box.h"
+#include "desktop/process.h"
+#include "display/draw.h"
 #include "display/font.h"
 #include "display/frame.h"
 #include "display/image.h"
@@ -14,12 +17,15 @@
 #include "launcher/catalogue.h"
 #include "launcher/end.h"
 #include "launcher/info_text.h"
+#include "launcher/layout.h"
 #include "launcher/menu.h"
 #include "launcher/staging.h"
 #include "launcher/variables.h"
 #include "runtime/file.h"
 #include "runtime/program.h"
 #include "runtime/services.h"
+
+#include <windows.h>
 
 namespace {
 
@@ -67,23 +73,22 @@ void startMusic() {
 }
 
 void loadPictures() {
-    Image_FromMemory(0, BannerData);
-    Font_Load(0, "Arial", 14);
-    Font_Load(1, "Arial", 10);
-    Font_Load(2, "Terminal", 10);
+    Image_FromMemory(Layout_BannerImage, BannerData);
+    for (const MenuFont& font : Layout_Fonts)
+        Font_Load(font.number, font.face, font.points);
 }
 
 // Set once: all four survive the run of an intro.
 void resetMenu() {
     Launcher.MenuMode = MenuMode_Catalogue;
     Launcher.InfoFirstLine = 0;
-    Launcher.InfoPageSize = 60;
+    Launcher.InfoPageSize = Layout_InfoPageSize;
     Launcher.SelectedRow = 0;
 }
 
 void openScreen() {
     Screen_Open(1024, 768, 16, "Ostrik Tessel Intros 2009 Keldara");
-    Launcher.MenuTop = 145;
+    Launcher.MenuTop = Layout_Top;
 }
 
 void drawFrame() {

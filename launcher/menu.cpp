@@ -6,70 +6,44 @@
 #include "input/keyboard.h"
 #include "launcher/end.h"
 #include "launcher/info_text.h"
+#include "launcher/launch.h"
+#include "launcher/layout.h"
 #include "launcher/staging.h"
 #include "launcher/variables.h"
-#include "runtime/services.h"
 
 namespace {
 
-constexpr auto white = static_cast<COLORREF>(Color_Rgb(255, 255, 255));
-constexpr auto black = static_cast<COLORREF>(Color_Rgb(0, 0, 0));
-constexpr auto red = static_cast<COLORREF>(Color_Rgb(255, 0, 0));
-constexpr auto cyan = static_cast<COLORREF>(Color_Rgb(0, 255, 255));
+constexpr auto white = static_cast<uint32_t>(Color_Rgb(255, 255, 255));
+constexpr auto black = static_cast<uint32_t>(Color_Rgb(0, 0, 0));
+constexpr auto red = static_cast<uint32_t>(Color_Rgb(255, 0, 0));
+constexpr auto cyan = static_cast<uint32_t>(Color_Rgb(0, 255, 255));
 
-constexpr ObjectId bannerImage = 0;
-constexpr int32_t bannerX = 192;
-
-constexpr ObjectId rowFont = 0;
-constexpr int64_t leftColumnX = 100;
-constexpr int64_t rightColumnX = 600;
-constexpr int64_t rowStep = 30;
-
-constexpr ObjectId welcomeFont = 1;
-constexpr int32_t welcomeX = 100;
-
-constexpr ObjectId infoFont = 2;
-constexpr int64_t infoX = 100;
-constexpr int64_t infoLineStep = 10;
-
-struct WelcomeLine {
-    int32_t y;
-    const char* text;
-};
-
-constexpr WelcomeLine welcomeLines[] = {
-    {620, "Welcome to my Tessel Intros Keldara 2009!"},
-    {640, "It contains almost all of the intros that I created With the Tessel Forge in 2009."},
-    {660, "Select an Intro using the cursor keys and press the Enter Key To execute it. "
-          "Press ESC To quit the intro or this program."},
-    {680, "Cheers! Ilmar aka Ostrik."},
-};
-
-void drawLine(const char* text, COLORREF background) {
+void drawLine(const char* text, uint32_t background) {
     Draw_Text(static_cast<int32_t>(Launcher.DrawX), static_cast<int32_t>(Launcher.DrawY), text,
               white, background);
 }
 
 void drawRow() {
-    Launcher.DrawX = Launcher.RowIndex >= Catalogue_ColumnRows ? rightColumnX : leftColumnX;
+    Launcher.DrawX =
+        Launcher.RowIndex >= Catalogue_ColumnRows ? Layout_RightColumnX : Layout_LeftColumnX;
     if (Launcher.RowIndex == Catalogue_ColumnRows)
         Launcher.DrawY = Launcher.MenuTop;
     IntroEntry& row = Launcher.IntroCatalogue[Launcher.RowIndex];
     drawLine(row.Title, Launcher.RowIndex == Launcher.SelectedRow ? red : black);
     row.X = static_cast<int32_t>(Launcher.DrawX);
     row.Y = static_cast<int32_t>(Launcher.DrawY);
-    Launcher.DrawY += rowStep;
+    Launcher.DrawY += Layout_RowStep;
 }
 
 void drawWelcome() {
-    Draw_SetFont(Font_Handle(welcomeFont));
-    for (const WelcomeLine& line : welcomeLines)
-        Draw_Text(welcomeX, line.y, line.text, cyan, black);
+    Draw_SetFont(Font_Handle(Layout_WelcomeFont));
+    for (const WelcomeLine& line : Layout_WelcomeLines)
+        Draw_Text(Layout_WelcomeX, line.y, line.text, cyan, black);
 }
 
 void drawCataloguePage() {
-    Draw_Image(Image_Handle(bannerImage), bannerX, 0);
-    Draw_SetFont(Font_Handle(rowFont));
+    Draw_Image(Image_Handle(Layout_BannerImage), Layout_BannerX, 0);
+    Draw_SetFont(Font_Handle(Layout_RowFont));
     for (Launcher.RowIndex = 0; Launcher.RowIndex < Catalogue_RowCount; ++Launcher.RowIndex)
         drawRow();
     drawWelcome();
@@ -80,13 +54,13 @@ void drawInfoLine() {
         return;
     List_SelectElement(Launcher.InfoLines, Launcher.RowIndex);
     drawLine(InfoText_CurrentLine(), black);
-    Launcher.DrawY += infoLineStep;
+    Launcher.DrawY += Layout_InfoLineStep;
 }
 
 void drawInfoPage() {
-    Draw_Image(Image_Handle(bannerImage), bannerX, 0);
-    Launcher.DrawX = infoX;
-    Draw_SetFont(Font_Handle(infoFont));
+    Draw_Image(Image_Handle(Layout_BannerImage), Layout_BannerX, 0);
+    Launcher.DrawX = Layout_InfoX;
+    Draw_SetFont(Font_Handle(Layout_InfoFont));
     Launcher.RowIndex = Launcher.InfoFirstLine;
     for (; Launcher.RowIndex <= Launcher.InfoFirstLine + Launcher.InfoPageSize - 1;
          ++Launcher.RowIndex)
@@ -128,13 +102,13 @@ void turnPage() {
 }
 
 void actOnCursorKeys() {
-    if (isReleased(DIK_UP))
+    if (isReleased(Key_Up))
         isOnInfoPage() ? turnPageBack() : selectRowAbove();
-    if (isReleased(DIK_DOWN))
+    if (isReleased(Key_Down))
         isOnInfoPage() ? turnPage() : selectRowBelow();
-    if (isReleased(DIK_LEFT) && !isOnInfoPage())
+    if (isReleased(Key_Left) && !isOnInfoPage())
         selectOtherColumn();
-    if (isReleased(DIK_RIGHT) && !isOnInfoPage())
+    if (isReleased(Key_Right) && !isOnInfoPage())
         selectOtherColumn();
 }
 
@@ -148,7 +122,7 @@ bool actOnSelectedRow() {
         Launcher.MenuMode = MenuMode_Info;
         return true;
     }
-    Staging_LaunchIntro(exeName);
+    Launch_Intro(exeName);
     return false;
 }
 
@@ -172,9 +146,9 @@ void Menu_DrawPage() {
 // Every key is asked for in every frame, whatever the page: a query keeps the key's history.
 bool Menu_ActOnKeys() {
     actOnCursorKeys();
-    if (isReleased(DIK_RETURN) && !isOnInfoPage() && !actOnSelectedRow())
+    if (isReleased(Key_Return) && !isOnInfoPage() && !actOnSelectedRow())
         return false;
-    if (isReleased(DIK_ESCAPE))
+    if (isReleased(Key_Escape))
         actOnEscape();
     return true;
 }

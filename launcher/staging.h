@@ -4,6 +4,10 @@
 // it has finished.
 #pragma once
 
+#include "launcher/joined_text.h"
+
+constexpr char Staging_FolderName[] = "Qev\\"; // under the temp folder
+
 // Takes the folders and builds the paths.
 void Staging_BuildPaths();
 
@@ -11,9 +15,8 @@ void Staging_BuildPaths();
 // file: the program ends with a message.
 void Staging_Run();
 
-// Stops the music, gives the screen back, runs the intro to its end and lets the music go on. The
-// screen is closed afterwards. An intro that cannot be started is waited for without end.
-void Staging_LaunchIntro(const char* exeName);
-
 // Deletes the folder with all that is in it.
 void Staging_RemoveFolder();
+
+// The folder's path. It is not stored: it is joined again at each use.
+JoinedText Staging_Folder();

@@ -2,8 +2,6 @@
 
 #include "runtime/program.h"
 
-LauncherVariables Launcher;
-
 void Variables_Clear() {
     GeneralHeap = nullptr;
     ProgramInstance = nullptr;

@@ -2,12 +2,13 @@
 // nothing anywhere else. Numbers are signed 64-bit; a null text is the empty text.
 #pragma once
 
-#include "desktop/process.h"
 #include "launcher/catalogue.h"
 #include "runtime/linked_list.h"
 #include "runtime/text.h"
 
 #include <cstdint>
+
+struct ProcessHandle;
 
 constexpr int64_t MenuMode_Catalogue = 0;
 constexpr int64_t MenuMode_Info = 1;
@@ -38,7 +39,7 @@ struct LauncherVariables {
     ListElement* InfoLineCurrent; // kept by the list
 };
 
-extern LauncherVariables Launcher;
+inline LauncherVariables Launcher = {};
 
 // Clears the block, and the two program variables that the runtime reads.
 void Variables_Clear();

@@ -1,9 +1,11 @@
 #include "runtime/file.h"
 
+#include "runtime/file_state.h"
 #include "runtime/program.h"
 #include "runtime/text.h"
 
 #include <cstring>
+#include <windows.h>
 
 namespace {
 
@@ -11,10 +13,8 @@ constexpr int32_t bufferBytes = 4096;
 constexpr int32_t lineStep = 4096;
 constexpr int32_t registryStep = 16;
 
-ObjectRegistry* files;
-
 FileHandleRec* lookUp(ObjectId id) {
-    return static_cast<FileHandleRec*>(Registry_Lookup(files, id));
+    return static_cast<FileHandleRec*>(Registry_Lookup(fileRegistry, id));
 }
 
 HANDLE openFile(const char* name, DWORD access, DWORD creation, DWORD attributes) {
@@ -147,8 +147,7 @@ void readInto(Line* line, FileHandleRec* file) {
 
 int64_t finishOpen(ObjectId id, FileHandleRec* file, HANDLE handle) {
     if (!isOpen(handle)) {
-        if (id == ObjectId_Any)
-            Registry_Release(files, reinterpret_cast<ObjectId>(file));
+        Registry_GiveUp(fileRegistry, id, file);
         return 0;
     }
     file->handle = handle;
@@ -159,16 +158,18 @@ int64_t finishOpen(ObjectId id, FileHandleRec* file, HANDLE handle) {
     return cutToSigned32(id == ObjectId_Any ? static_cast<void*>(file) : handle);
 }
 
-FileHandleRec* claim(ObjectId id) { return static_cast<FileHandleRec*>(Registry_Claim(files, id)); }
+FileHandleRec* claim(ObjectId id) {
+    return static_cast<FileHandleRec*>(Registry_Claim(fileRegistry, id));
+}
 
 } // namespace
 
 ObjectRegistry* File_SubsystemInit() {
-    files = Registry_New(sizeof(FileHandleRec), registryStep, File_Close);
-    return files;
+    fileRegistry = Registry_New(sizeof(FileHandleRec), registryStep, File_Close);
+    return fileRegistry;
 }
 
-void File_SubsystemEnd() { Registry_FreeAll(files); }
+void File_SubsystemEnd() { Registry_FreeAll(fileRegistry); }
 
 int64_t File_OpenMode(ObjectId id, const char* name, int32_t mode) {
     FileHandleRec* file = claim(id);
@@ -252,5 +253,5 @@ void File_Close(ObjectId id) {
         HeapFree(GeneralHeap, 0, file->buffer);
     }
     CloseHandle(file->handle);
-    Registry_Release(files, id);
+    Registry_Release(fileRegistry, id);
 }

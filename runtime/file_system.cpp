@@ -1,9 +1,9 @@
 #include "runtime/file_system.h"
 
+#include "runtime/library.h"
 #include "runtime/text.h"
 
 #include <cstring>
-#include <windows.h>
 
 namespace {
 
@@ -34,17 +34,12 @@ bool isEmpty(const char* text) { return !text || !*text; }
 
 using LongPathFunction = DWORD(WINAPI*)(LPCSTR, LPSTR, DWORD);
 
-LongPathFunction findLongPathFunction(HMODULE library) {
-    return reinterpret_cast<LongPathFunction>(
-        reinterpret_cast<void*>(GetProcAddress(library, "GetLongPathNameA")));
-}
-
 // The new length. 0 if the system refuses, and that stands: the text comes out empty.
 int32_t lengthenInPlace(char* path, int32_t length) {
     HMODULE library = LoadLibraryA("Kernel32.DLL");
     if (!library)
         return length;
-    if (LongPathFunction toLongPath = findLongPathFunction(library))
+    if (auto toLongPath = Library_Find<LongPathFunction>(library, "GetLongPathNameA"))
         length = static_cast<int32_t>(toLongPath(path, path, pathLength));
     FreeLibrary(library);
     return length;

@@ -1,8 +1,7 @@
 #include "runtime/heap.h"
 
+#include "runtime/heap_state.h"
 #include "runtime/program.h"
-
-void* LooseHeap;
 
 namespace {
 

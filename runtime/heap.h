@@ -13,8 +13,6 @@ struct LooseBlock {
     LooseBlock* newer;
 };
 
-extern void* LooseHeap;
-
 // Makes LooseHeap and gives it.
 void* Heap_SubsystemInit();
 

@@ -3,6 +3,7 @@
 #include "runtime/program.h"
 
 #include <cstring>
+#include <windows.h>
 
 namespace {
 

@@ -44,6 +44,16 @@ void* Registry_Lookup(const ObjectRegistry* registry, ObjectId id);
 // Empties a numbered record, frees a loose one.
 void Registry_Release(ObjectRegistry* registry, ObjectId id);
 
+// The id under which a claimed record is found again: its number, or its address.
+inline ObjectId Registry_IdOf(ObjectId claimed, const void* record) {
+    return claimed == ObjectId_Any ? reinterpret_cast<ObjectId>(record) : claimed;
+}
+
+// Gives up a record that was claimed under `claimed` and came to nothing.
+inline void Registry_GiveUp(ObjectRegistry* registry, ObjectId claimed, const void* record) {
+    Registry_Release(registry, Registry_IdOf(claimed, record));
+}
+
 // Calls `onFree` for every object. Table and header stay. Null is a kind that was never set up.
 void Registry_FreeAll(ObjectRegistry* registry);
 
@@ -57,8 +67,3 @@ using ObjectVisitor = int32_t (*)(ObjectId id, void* record, void* user);
 
 // A walk in the same order that may run inside the other one. Loose records get no life test.
 void Registry_ForEach(ObjectRegistry* registry, ObjectVisitor visit, void* user);
-
-// The id under which a claimed record is found again: its number, or its address.
-inline ObjectId Registry_IdOf(ObjectId claimed, const void* record) {
-    return claimed == ObjectId_Any ? reinterpret_cast<ObjectId>(record) : claimed;
-}

@@ -2,11 +2,11 @@
 // subsystem is set up; nothing else writes to them.
 #pragma once
 
-#include <windows.h>
+struct HINSTANCE__; // what the platform's HMODULE points to
 
-// The general-purpose heap of the whole runtime, serialised by the system. The launcher makes it
+// The general-purpose heap of the whole runtime, serialized by the system. The launcher makes it
 // first and destroys it last.
-inline HANDLE GeneralHeap = nullptr;
+inline void* GeneralHeap = nullptr;
 
 // The running program's module: owner of the window class, and DirectInput's caller.
-inline HMODULE ProgramInstance = nullptr;
+inline HINSTANCE__* ProgramInstance = nullptr;

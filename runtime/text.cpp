@@ -4,11 +4,6 @@
 #include <cstring>
 #include <windows.h>
 
-void* TextHeap;
-char* TextBase;
-int64_t TextPosition;
-int64_t TextCapacity;
-
 namespace {
 
 constexpr int64_t firstCapacity = 16; // this first block alone has no slack behind it

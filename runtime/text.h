@@ -18,10 +18,10 @@
 // records, so no more than 4-byte alignment is promised.
 typedef char* TextVariable __attribute__((aligned(4)));
 
-extern void* TextHeap;       // holds every stored text and the accumulator
-extern char* TextBase;       // start of the accumulator; moves when it grows
-extern int64_t TextPosition; // offset of the first free byte
-extern int64_t TextCapacity;
+inline void* TextHeap = nullptr; // holds every stored text and the accumulator
+inline char* TextBase = nullptr; // start of the accumulator; moves when it grows
+inline int64_t TextPosition = 0; // offset of the first free byte
+inline int64_t TextCapacity = 0;
 
 void Text_SubsystemInit();
 

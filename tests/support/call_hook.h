@@ -184,7 +184,7 @@ using namespace hook_detail;
 #define FUNCTION(library, function, role, closing)                                                 \
     struct function : FunctionHook<function, decltype(bare(&::function))> {                        \
         static constexpr const char* name = #function;                                             \
-        static inline CallSite site{#function, #library, role, closing};                           \
+        static CallSite site;                                                                      \
     };
 #define FETCHED FUNCTION
 #include "tests/support/hooked_functions.inc"
@@ -195,7 +195,7 @@ using namespace hook_detail;
     struct interface_##_##method_                                                                  \
         : MethodHook<interface_##_##method_, decltype(bare(&::interface_::method_))> {             \
         static constexpr const char* name = #interface_ "::" #method_;                             \
-        static inline CallSite site{#interface_ "::" #method_, #interface_, plain, closing};       \
+        static CallSite site;                                                                      \
         static auto method() { return &::interface_::method_; }                                    \
     };
 #include "tests/support/hooked_methods.inc"

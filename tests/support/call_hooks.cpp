@@ -8,6 +8,22 @@
 #include <iterator>
 #include <vector>
 
+namespace hook {
+
+#define FUNCTION(library, function, role, closing)                                                 \
+    CallSite function::site{#function, #library, role, closing};
+#define FETCHED FUNCTION
+#include "tests/support/hooked_functions.inc"
+#undef FETCHED
+#undef FUNCTION
+
+#define METHOD(interface_, method_, closing)                                                       \
+    CallSite interface_##_##method_::site{#interface_ "::" #method_, #interface_, plain, closing};
+#include "tests/support/hooked_methods.inc"
+#undef METHOD
+
+} // namespace hook
+
 namespace {
 
 struct FunctionEntry {

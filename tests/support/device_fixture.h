@@ -3,6 +3,7 @@
 #pragma once
 
 #include "display/screen_device.h"
+#include "runtime/heap_state.h"
 #include "tests/support/runtime_fixture.h"
 #include "tests/support/stand_in_devices.h"
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "display/draw.h"
+#include "display/draw_state.h"
+#include "display/draw_target.h"
 #include "tests/support/canvas.h"
 
 #include <gtest/gtest.h>
@@ -37,7 +39,7 @@ protected:
 
     HDC begin(int32_t kind = DrawTarget_Surface) {
         const DrawTarget target = targetOf(kind);
-        return Draw_Begin(&target);
+        return static_cast<HDC>(Draw_Begin(&target));
     }
 
     HGDIOBJ selected(UINT type) const { return GetCurrentObject(canvas.dc(), type); }

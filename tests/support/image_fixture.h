@@ -3,6 +3,7 @@
 
 #include "display/image.h"
 #include "display/image_decoder.h"
+#include "display/image_decoder_state.h"
 #include "tests/support/canvas.h"
 #include "tests/support/image_files.h"
 #include "tests/support/runtime_fixture.h"

@@ -1,6 +1,7 @@
 #include "tests/support/launcher_stage.h"
 
 #include "audio/module_player.h"
+#include "audio/module_player_state.h"
 #include "tests/support/wait_until.h"
 
 #include <cstring>
@@ -10,6 +11,14 @@ namespace {
 
 // Nothing is ever written to it, and a wait for it ends at once: what a process is that has ended.
 HANDLE endedProcess() { return CreateEventA(nullptr, TRUE, TRUE, nullptr); }
+
+// Not that of the stage before: a call of CloseHandle that failed may have left a file open there.
+std::filesystem::path newFolder() {
+    static int count = 0;
+    const std::string process = std::to_string(GetCurrentProcessId());
+    return std::filesystem::temp_directory_path() /
+           ("stage-" + process + "-" + std::to_string(++count));
+}
 
 DWORD giveTempPath(const std::filesystem::path& temp, DWORD size, LPSTR buffer) {
     const std::string text = temp.string() + "\\";
@@ -38,8 +47,7 @@ HANDLE startRenderThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
 
 LauncherStage::LauncherStage() : devices(calls) {
     QuietScope quiet;
-    const std::string name = "stage-" + std::to_string(GetCurrentProcessId());
-    folder = std::filesystem::temp_directory_path() / name;
+    folder = newFolder();
     temp = folder / "temp";
     // A stage of the same process id may have been left behind by a scenario that died.
     std::filesystem::remove_all(folder);

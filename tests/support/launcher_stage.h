@@ -73,8 +73,7 @@ private:
                     const STARTUPINFOA& info, PROCESS_INFORMATION* made);
 };
 
-// Runs the scenario on a stage. The program's variables are as at its start, since every test is a
-// process: one use a test.
+// Runs the scenario on a stage. The program's variables are as at its start only once in a test.
 void onStage(const std::function<void(LauncherStage&)>& scenario);
 
 // The same in a new process: for a scenario that hangs or dies in there.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio/sound_device.h"
+#include "audio/sound_device_state.h"
 #include "tests/support/runtime_fixture.h"
 
 #include <utility>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/heap.h"
+#include "runtime/heap_state.h"
 #include "runtime/program.h"
 #include "runtime/text.h"
 #include "tests/support/call_recorder.h"

@@ -5,10 +5,13 @@
 #include "display/direct_draw.h"
 #include "display/frame.h"
 #include "display/screen.h"
+#include "display/screen_device.h"
 #include "display/surfaces.h"
 #include "display/window.h"
 #include "input/keyboard.h"
+#include "input/keyboard_state.h"
 #include "input/mouse.h"
+#include "input/mouse_state.h"
 #include "tests/support/runtime_fixture.h"
 #include "tests/support/stand_in_devices.h"
 

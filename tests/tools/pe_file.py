@@ -3,7 +3,7 @@
 import struct
 from pathlib import Path
 
-IMPORTS, RESOURCES = 1, 2  # places in the table of data directories
+EXPORTS, IMPORTS, RESOURCES = 0, 1, 2  # places in the table of data directories
 OPTIONAL_HEADER = 24  # behind the signature and the file header
 WRITABLE = 0x80000000  # among the flags of a section
 
@@ -25,6 +25,9 @@ class PeFile:
     @property
     def subsystem(self):
         return self._number("H", self._start + OPTIONAL_HEADER + 68)
+
+    def has_directory(self, index):
+        return self._directory_address(index) != 0
 
     def imported_libraries(self):
         """The names of the DLLs that the system loads before the first instruction."""
@@ -62,8 +65,11 @@ class PeFile:
         count = sum(struct.unpack_from("<2H", self.data, place + 12))
         return struct.iter_unpack("<2I", self.data[place + 16:place + 16 + 8 * count])
 
+    def _directory_address(self, index):
+        return self._number("I", self._start + OPTIONAL_HEADER + 112 + 8 * index)
+
     def _directory(self, index):
-        return self._offset(self._number("I", self._start + OPTIONAL_HEADER + 112 + 8 * index))
+        return self._offset(self._directory_address(index))
 
     def _offset(self, address):
         """Where in the file the byte lies that is loaded to `address`."""
