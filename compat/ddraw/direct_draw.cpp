@@ -22,6 +22,7 @@ void DirectDraw::operator delete(void* object) { Memory_Free(object); }
 DirectDraw::DirectDraw() {
     screen.onLost = [](void* self) { static_cast<DirectDraw*>(self)->loseSurfaces(); };
     screen.context = this;
+    takeDesktopMode();
 }
 
 DirectDraw::~DirectDraw() {
@@ -51,20 +52,28 @@ STDMETHODIMP_(ULONG) DirectDraw::Release() noexcept {
     return static_cast<ULONG>(left);
 }
 
+// Returns why the surface cannot be made, or DD_OK. One back buffer is all that is offered.
 HRESULT DirectDraw::refusal(const DDSURFACEDESC2& wanted) const {
+    constexpr DWORD flipping = DDSCAPS_FLIP | DDSCAPS_COMPLEX;
     const DWORD caps = wanted.ddsCaps.dwCaps;
-    const bool hasSize = (wanted.dwFlags & DDSD_WIDTH) && (wanted.dwFlags & DDSD_HEIGHT);
-    if (caps & DDSCAPS_PRIMARYSURFACE) {
-        if (!isExclusive())
-            return DDERR_NOEXCLUSIVEMODE;
-        for (const Surface* surface = surfaces; surface; surface = surface->next)
-            if (surface->isPrimary())
-                return DDERR_PRIMARYSURFACEALREADYEXISTS;
-        return hasSize ? DDERR_INVALIDPARAMS : DD_OK;
-    }
-    if (caps & (DDSCAPS_FLIP | DDSCAPS_COMPLEX))
+    const DWORD backs = wanted.dwFlags & DDSD_BACKBUFFERCOUNT ? wanted.dwBackBufferCount : 0;
+    if ((caps & flipping) != (backs ? flipping : 0) || caps & DDSCAPS_BACKBUFFER)
+        return DDERR_INVALIDCAPS;
+    if (backs > 1)
         return DDERR_UNSUPPORTED;
+    if (caps & DDSCAPS_PRIMARYSURFACE)
+        return primaryRefusal();
+    const bool hasSize = (wanted.dwFlags & DDSD_WIDTH) && (wanted.dwFlags & DDSD_HEIGHT);
     return hasSize && wanted.dwWidth && wanted.dwHeight ? DD_OK : DDERR_INVALIDPARAMS;
+}
+
+HRESULT DirectDraw::primaryRefusal() const {
+    if (!isExclusive())
+        return DDERR_NOEXCLUSIVEMODE;
+    for (const Surface* surface = surfaces; surface; surface = surface->next)
+        if (surface->isPrimary())
+            return DDERR_PRIMARYSURFACEALREADYEXISTS;
+    return DD_OK;
 }
 
 STDMETHODIMP DirectDraw::CreateSurface(LPDDSURFACEDESC2 wanted, LPDIRECTDRAWSURFACE7* surface,
@@ -106,10 +115,7 @@ STDMETHODIMP DirectDraw::RestoreAllSurfaces() noexcept {
 
 STDMETHODIMP DirectDraw::SetCooperativeLevel(HWND window, DWORD wanted) noexcept {
     const bool isExclusiveWanted = (wanted & DDSCL_EXCLUSIVE) != 0;
-    if (isExclusiveWanted != ((wanted & DDSCL_FULLSCREEN) != 0) ||
-        isExclusiveWanted == ((wanted & DDSCL_NORMAL) != 0))
-        return DDERR_INVALIDPARAMS;
-    if (window && !IsWindow(window))
+    if (isExclusiveWanted ? !(wanted & DDSCL_FULLSCREEN) : !(wanted & DDSCL_NORMAL))
         return DDERR_INVALIDPARAMS;
     if (isExclusiveWanted) {
         const HRESULT result = enterExclusive(window);
@@ -141,6 +147,7 @@ void DirectDraw::leaveExclusive() {
     if (exclusiveOwner != this)
         return;
     exclusiveOwner = nullptr;
+    loseSurfaces();
     FullScreen_Leave(&screen);
     takeDesktopMode();
 }
@@ -157,7 +164,7 @@ STDMETHODIMP DirectDraw::SetDisplayMode(DWORD width, DWORD height, DWORD depth, 
     if (!isExclusive())
         return DDERR_NOEXCLUSIVEMODE;
     if (!isSide(width) || !isSide(height) || !isDepth(depth))
-        return DDERR_INVALIDMODE;
+        return DDERR_UNSUPPORTED;
     currentMode = {width, height, depth};
     return DD_OK;
 }

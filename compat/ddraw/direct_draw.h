@@ -49,6 +49,7 @@ public:
 private:
     ~DirectDraw();
     HRESULT refusal(const DDSURFACEDESC2& wanted) const;
+    HRESULT primaryRefusal() const;
     HRESULT enterExclusive(HWND window);
     void leaveExclusive();
     void takeDesktopMode();

@@ -57,10 +57,10 @@ void expand(uint32_t* to, const uint8_t* row, DWORD width, DWORD depth) {
 
 // Two channels at a time; the sums stay within 16 bits each.
 uint32_t mixPixels(uint32_t first, uint32_t second, uint32_t weight) {
-    constexpr uint32_t even = 0x00FF00FF;
+    constexpr uint32_t even = 0x00FF00FF, half = 0x00800080;
     const uint32_t rest = 256 - weight;
-    const uint32_t redBlue = (first & even) * rest + (second & even) * weight;
-    const uint32_t green = (first >> 8 & even) * rest + (second >> 8 & even) * weight;
+    const uint32_t redBlue = (first & even) * rest + (second & even) * weight + half;
+    const uint32_t green = (first >> 8 & even) * rest + (second >> 8 & even) * weight + half;
     return (redBlue >> 8 & even) | (green & ~even);
 }
 
@@ -73,7 +73,7 @@ void mixRows(uint8_t* to, const uint8_t* first, const uint8_t* second, DWORD byt
     const auto rest = static_cast<uint16_t>(256 - weight);
     const auto part = static_cast<uint16_t>(weight);
     for (DWORD at = 0; at < bytes; ++at)
-        to[at] = static_cast<uint8_t>((first[at] * rest + second[at] * part) >> 8);
+        to[at] = static_cast<uint8_t>((first[at] * rest + second[at] * part + 128) >> 8);
 }
 
 } // namespace

@@ -21,8 +21,6 @@ DWORD fullCaps(const DDSURFACEDESC2& wanted) {
         caps |= DDSCAPS_VIDEOMEMORY | DDSCAPS_LOCALVIDMEM;
     if (caps & DDSCAPS_PRIMARYSURFACE)
         caps |= DDSCAPS_VISIBLE;
-    else
-        caps |= DDSCAPS_OFFSCREENPLAIN;
     if (caps & DDSCAPS_FLIP)
         caps |= DDSCAPS_FRONTBUFFER;
     return caps;
@@ -56,22 +54,27 @@ void* Surface::operator new(size_t size) noexcept { return Memory_Allocate(size)
 
 void Surface::operator delete(void* object) { Memory_Free(object); }
 
-Surface::Surface(DirectDraw* owner_, DWORD caps_, Pixels* pixels_)
-    : owner(owner_), caps(caps_), pixels(pixels_) {
+Surface::Surface(DirectDraw* owner_, Surface* front_, DWORD caps_, Pixels* pixels_)
+    : owner(owner_), front(front_), caps(caps_), pixels(pixels_) {
     owner->add(this);
+    if (!front)
+        owner->AddRef();
 }
 
+// The front buffer holds the object for both.
 Surface::~Surface() {
     owner->remove(this);
     if (back)
         delete back;
     Pixels_Free(pixels);
+    if (!front)
+        owner->Release();
 }
 
-Surface* Surface::makeOne(DirectDraw* owner, DWORD caps, SIZE size) {
+Surface* Surface::makeOne(DirectDraw* owner, Surface* front, DWORD caps, SIZE size) {
     Pixels* pixels =
         Pixels_Make(static_cast<DWORD>(size.cx), static_cast<DWORD>(size.cy), owner->mode().depth);
-    Surface* surface = pixels ? new Surface(owner, caps, pixels) : nullptr;
+    Surface* surface = pixels ? new Surface(owner, front, caps, pixels) : nullptr;
     if (!surface)
         Pixels_Free(pixels);
     return surface;
@@ -82,17 +85,14 @@ Surface* Surface::make(DirectDraw* owner, const DDSURFACEDESC2& wanted) {
     const Mode& mode = owner->mode();
     const SIZE size = {static_cast<LONG>(isPrimary ? mode.width : wanted.dwWidth),
                        static_cast<LONG>(isPrimary ? mode.height : wanted.dwHeight)};
-    Surface* surface = makeOne(owner, fullCaps(wanted), size);
+    Surface* surface = makeOne(owner, nullptr, fullCaps(wanted), size);
     if (!surface || !(wanted.dwFlags & DDSD_BACKBUFFERCOUNT))
         return surface;
-    surface->back = makeOne(owner, backCaps(surface->caps), size);
-    if (!surface->back) {
-        delete surface;
-        return nullptr;
-    }
-    surface->back->front = surface;
-    surface->back->references = 0;
-    return surface;
+    surface->back = makeOne(owner, surface, backCaps(surface->caps), size);
+    if (surface->back)
+        return surface;
+    delete surface;
+    return nullptr;
 }
 
 STDMETHODIMP Surface::QueryInterface(REFIID interfaceId, void** object) noexcept {
@@ -130,7 +130,7 @@ STDMETHODIMP Surface::Blt(LPRECT to, LPDIRECTDRAWSURFACE7 from, LPRECT part, DWO
     const bool isFill = (flags & DDBLT_COLORFILL) != 0;
     if (flags & ~(waits | DDBLT_COLORFILL))
         return DDERR_UNSUPPORTED;
-    if (isFill ? !effects || effects->dwSize != sizeof *effects : !source)
+    if (isFill ? !effects : !source)
         return DDERR_INVALIDPARAMS;
     const RECT toArea = to ? *to : wholeOf(*pixels);
     if (!contains(toArea))
@@ -159,18 +159,18 @@ HRESULT Surface::copy(const RECT& to, Surface* from, const RECT& part) {
         return DDERR_SURFACELOST;
     if (from->isBusy())
         return DDERR_SURFACEBUSY;
+    const int modeBefore = SetStretchBltMode(pixels->dc, COLORONCOLOR);
     const bool isDone =
         StretchBlt(pixels->dc, to.left, to.top, to.right - to.left, to.bottom - to.top,
                    from->pixels->dc, part.left, part.top, part.right - part.left,
                    part.bottom - part.top, SRCCOPY) != FALSE;
+    SetStretchBltMode(pixels->dc, modeBefore);
     return isDone ? DD_OK : DDERR_GENERIC;
 }
 
 STDMETHODIMP Surface::Flip(LPDIRECTDRAWSURFACE7 target, DWORD flags) noexcept {
     if (!back || (target && target != back))
         return DDERR_NOTFLIPPABLE;
-    if (!owner->isExclusive())
-        return DDERR_NOEXCLUSIVEMODE;
     if (lost || back->lost)
         return DDERR_SURFACELOST;
     if (isBusy() || back->isBusy())
@@ -187,10 +187,11 @@ STDMETHODIMP Surface::GetAttachedSurface(LPDDSCAPS2 wanted,
     if (!wanted || !attached)
         return DDERR_INVALIDPARAMS;
     *attached = nullptr;
-    if (!back || (back->caps & wanted->dwCaps) != wanted->dwCaps)
+    Surface* other = back ? back : front;
+    if (!other || (other->caps & wanted->dwCaps) != wanted->dwCaps)
         return DDERR_NOTFOUND;
-    back->AddRef();
-    *attached = back;
+    other->AddRef();
+    *attached = other;
     return DD_OK;
 }
 
@@ -222,6 +223,9 @@ STDMETHODIMP Surface::ReleaseDC(HDC dc) noexcept {
 
 void Surface::describe(DDSURFACEDESC2* description) const {
     description->dwFlags = DDSD_CAPS | DDSD_HEIGHT | DDSD_WIDTH | DDSD_PITCH | DDSD_PIXELFORMAT;
+    if (back || front)
+        description->dwFlags |= DDSD_BACKBUFFERCOUNT;
+    description->dwBackBufferCount = back ? 1 : 0;
     description->dwWidth = pixels->width;
     description->dwHeight = pixels->height;
     description->lPitch = static_cast<LONG>(pixels->pitch);
@@ -234,7 +238,7 @@ STDMETHODIMP Surface::Lock(LPRECT area, LPDDSURFACEDESC2 description, DWORD,
     if (!description || description->dwSize != sizeof *description || event)
         return DDERR_INVALIDPARAMS;
     if (area && !contains(*area))
-        return DDERR_INVALIDRECT;
+        return DDERR_INVALIDPARAMS;
     if (lost)
         return DDERR_SURFACELOST;
     if (isBusy())

@@ -37,9 +37,9 @@ public:
     Surface* next = nullptr; // in the owner's list
 
 private:
-    Surface(DirectDraw* owner, DWORD caps, Pixels* pixels);
+    Surface(DirectDraw* owner, Surface* front, DWORD caps, Pixels* pixels);
     ~Surface();
-    static Surface* makeOne(DirectDraw* owner, DWORD caps, SIZE size);
+    static Surface* makeOne(DirectDraw* owner, Surface* front, DWORD caps, SIZE size);
     bool isBusy() const { return isLocked || isDcOpen; }
     bool contains(const RECT& area) const;
     void describe(DDSURFACEDESC2* description) const;
@@ -47,12 +47,12 @@ private:
     HRESULT copy(const RECT& to, Surface* from, const RECT& part);
     void showIfPrimary();
 
-    LONG references = 1;
+    LONG references = 1; // of a back buffer, one is its front buffer's, which it never outlives
     DirectDraw* owner;
+    Surface* front; // null for all but back buffers
+    Surface* back = nullptr;
     DWORD caps;
     Pixels* pixels; // exchanged with the back buffer's by each flip
-    Surface* back = nullptr;
-    Surface* front = nullptr; // of a back buffer, which lives as long as its front buffer
     bool lost = false;
     bool isLocked = false;
     bool isDcOpen = false;

@@ -23,7 +23,8 @@ public:
     void note(const std::string& what, const std::string& value);
     void note(const std::string& what, DWORD value);
 
-    // Notes every field of a description that is not an address.
+    // Notes every field of a description that is not an address. Which memory a surface lies in is
+    // left out: it depends on what Wine draws with.
     void note(const std::string& what, const DDSURFACEDESC2& description);
 
     // Notes a checksum of all pixels, as Lock shows them.
