@@ -56,6 +56,13 @@ void loseWindow(FullScreen* screen) {
     FullScreen_Leave(screen);
 }
 
+// A thread that waited for another program has not seen yet that it lost the foreground meanwhile:
+// that must not count as a loss in the mode that begins now.
+void receivePending() {
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
 // The window's own procedure comes last: it may end the exclusive mode.
 LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                            DWORD_PTR data) {
@@ -73,6 +80,7 @@ LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 } // namespace
 
 bool FullScreen_Enter(FullScreen* screen, HWND window) {
+    receivePending();
     if (screen->window != window) {
         if (GetAncestor(window, GA_ROOT) != window ||
             !SetWindowSubclass(window, onMessage, subclassId, reinterpret_cast<DWORD_PTR>(screen)))

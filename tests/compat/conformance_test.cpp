@@ -669,7 +669,7 @@ TEST_P(Conformance, AgreesWithTheSystemsOwn) {
     const auto ours = byName(run(GetParam(), "compat.dll"));
     auto all = system;
     all.insert(ours.begin(), ours.end());
-    ASSERT_GT(all.size(), 8u) << "the scenario was noted";
+    ASSERT_GE(all.size(), 8u) << "the scenario was noted";
     for (const auto& note : all) {
         const Name& name = note.first;
         const std::string theirs = valueOf(system, name), own = valueOf(ours, name);
