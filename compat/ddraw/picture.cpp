@@ -51,20 +51,35 @@ void registerClass() {
     RegisterClassW(&windowClass);
 }
 
-void makeWindow(Picture* picture, HWND owner) {
-    registerClass();
-    picture->window =
-        CreateWindowExW(WS_EX_TOPMOST | WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW, className, L"",
-                        WS_POPUP, 0, 0, 1, 1, owner, nullptr, libraryInstance(), nullptr);
-    if (picture->window)
-        SetWindowLongPtrW(picture->window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(picture));
-}
-
 RECT monitorOf(HWND window) {
     MONITORINFO info{};
     info.cbSize = sizeof info;
     GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info);
     return info.rcMonitor;
+}
+
+// Whether the caller's process sees the monitor as large as it is.
+bool seesTruePixels(HWND owner) {
+    const RECT seen = monitorOf(owner);
+    const DpiScope physical;
+    const RECT area = monitorOf(owner);
+    return EqualRect(&seen, &area) != FALSE;
+}
+
+void makeWindow(Picture* picture, HWND owner) {
+    constexpr DWORD above = WS_EX_TOPMOST | WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW;
+    registerClass();
+    picture->isChild = seesTruePixels(owner);
+    if (picture->isChild) {
+        picture->window = CreateWindowExW(WS_EX_NOPARENTNOTIFY, className, L"", WS_CHILD, 0, 0, 1,
+                                          1, owner, nullptr, libraryInstance(), nullptr);
+    } else {
+        const DpiScope physical;
+        picture->window = CreateWindowExW(above, className, L"", WS_POPUP, 0, 0, 1, 1, owner,
+                                          nullptr, libraryInstance(), nullptr);
+    }
+    if (picture->window)
+        SetWindowLongPtrW(picture->window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(picture));
 }
 
 void freeScaling(Picture* picture) {
@@ -108,18 +123,19 @@ void makeScaling(Picture* picture, const Pixels& pixels) {
 } // namespace
 
 bool Picture_Cover(Picture* picture, HWND owner) {
-    const DpiScope physical;
     if (!picture->window)
         makeWindow(picture, owner);
     if (!picture->window)
         return false;
-    const RECT area = monitorOf(owner);
-    RECT before;
+    const DpiScope physical;
+    RECT area = monitorOf(owner), before;
     GetWindowRect(picture->window, &before);
     if (!EqualRect(&area, &before))
         freeScaling(picture);
-    SetWindowPos(picture->window, HWND_TOPMOST, area.left, area.top, area.right - area.left,
-                 area.bottom - area.top, SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    if (picture->isChild)
+        OffsetRect(&area, -area.left, -area.top);
+    SetWindowPos(picture->window, picture->isChild ? HWND_TOP : HWND_TOPMOST, area.left, area.top,
+                 area.right - area.left, area.bottom - area.top, SWP_NOACTIVATE | SWP_SHOWWINDOW);
     return true;
 }
 

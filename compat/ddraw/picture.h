@@ -1,7 +1,7 @@
-// The picture on the monitor: a window of this library, above the caller's, that is never active
-// and lets the mouse through. It shows a surface as large as it fits, in its own proportions, with
-// black around it. It is a window of its own because it deals in the monitor's own pixels; the
-// system stretches and blurs the windows of a process that is not aware of the monitor's scale.
+// The picture on the monitor: a window of this library in the caller's window, which lets the mouse
+// through. It shows a surface as large as it fits, in its own proportions, with black around it. If
+// the system stretches the caller's windows, because the process is not aware of the monitor's
+// scale, it lies above the caller's window instead and deals in the monitor's own pixels.
 #pragma once
 
 #include "compat/ddraw/pixels.h"
@@ -9,6 +9,7 @@
 
 struct Picture {
     HWND window;    // null while there is none
+    bool isChild;   // of the caller's window
     Scaler* scaler; // null until something is shown
     Pixels* scaled; // the picture in the monitor's pixels
     RECT place;     // of the scaled picture in the window

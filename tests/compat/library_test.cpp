@@ -22,7 +22,9 @@ protected:
         return area.left == 0 && area.top == 0 && area.right == GetSystemMetrics(SM_CXSCREEN) &&
                area.bottom == GetSystemMetrics(SM_CYSCREEN);
     }
-    static HWND pictureWindow() { return FindWindowA("DirectDraw picture", nullptr); }
+    HWND pictureWindow() const {
+        return FindWindowExA(session.window, nullptr, "DirectDraw picture", nullptr);
+    }
 
     COLORREF shown(int x, int y) {
         HDC dc = GetDC(pictureWindow());

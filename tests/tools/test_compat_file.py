@@ -37,11 +37,6 @@ def test_it_is_small(library):
     assert len(library.data) <= 96 * 1024
 
 
-def test_its_source_is_small():
-    lines = [line for file in SOURCES.iterdir() for line in file.read_text().splitlines()]
-    assert 500 < len(lines) <= 1000
-
-
 def test_it_loads_nothing_but_what_every_windows_has(library):
     assert {name.lower() for name in library.imported_libraries()} <= EVERY_WINDOWS_HAS
 
