@@ -17,7 +17,7 @@ ROW = 3
 
 @pytest.fixture
 def unpacked(tmp_path):
-    for name in (PROGRAM_NAME, DATA_NAME, INFO_NAME):
+    for name in (PROGRAM_NAME, DATA_NAME, INFO_NAME, "ddraw.dll"):
         shutil.copy2(BUILD / name, tmp_path)
     subprocess.run([ROOT / "tools" / "package", tmp_path], check=True, capture_output=True)
     folder = tmp_path / "Früher, größer  & schöner"

@@ -10,7 +10,7 @@ import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
-BUILT = ("OstrikVelmora2009.exe", "OstrikVelmora2009.dat", "ostrik.nfo")
+BUILT = ("OstrikVelmora2009.exe", "OstrikVelmora2009.dat", "ostrik.nfo", "ddraw.dll")
 ARCHIVE = "OstrikVelmora2009.zip"
 
 
@@ -38,7 +38,7 @@ def archive(make_build):
         yield opened
 
 
-def test_it_holds_the_four_files_in_one_folder(archive):
+def test_it_holds_the_five_files_in_one_folder(archive):
     assert archive.namelist() == [f"OstrikVelmora2009/{name}" for name in (*BUILT, "README.txt")]
 
 
