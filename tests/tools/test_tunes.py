@@ -3,7 +3,7 @@
 import numpy
 import pytest
 
-from tunes import RATE, intro_tunes, render
+from tunes import BUILD, RATE, intro_tunes, render
 
 SECONDS = 20
 MIN_DISTANCE = 0.15    # between two tunes; the same tune in another guise is nearer than that
@@ -26,6 +26,13 @@ def tune(request, rendered):
 
 def test_there_is_a_tune_for_each_intro():
     assert len(TUNES) == 28
+
+
+def test_intros_and_data_file_stay_small():
+    sizes = {path.name: path.stat().st_size for path in (BUILD / "sample_pack").glob("*.exe")}
+    assert len(sizes) == 28
+    assert max(sizes.values()) <= 65536, "the class of 64 KiB"
+    assert (BUILD / "OstrikVelmora2009.dat").stat().st_size <= 700 * 1024
 
 
 @pytest.mark.parametrize("name", TUNES)
