@@ -69,8 +69,9 @@ void zeroNumbers(IntroEntry* entry) {
 
 void Catalogue_New() {
     Array_Free(Launcher.IntroCatalogue);
-    Launcher.IntroCatalogue = static_cast<IntroEntry*>(Array_New(
-        sizeof(IntroEntry), upperBound, elementType, textFields, &Launcher.IntroCatalogue));
+    void* variable = static_cast<void*>(&Launcher.IntroCatalogue);
+    Launcher.IntroCatalogue = static_cast<IntroEntry*>(
+        Array_New(sizeof(IntroEntry), upperBound, elementType, textFields, variable));
 }
 
 void Catalogue_Fill() {

@@ -12,7 +12,7 @@ ArrayHeader* headerOf(void* array) { return static_cast<ArrayHeader*>(array) - 1
 
 void freeTextAt(const char* field) {
     char* text;
-    std::memcpy(&text, field, sizeof text);
+    std::memcpy(static_cast<void*>(&text), field, sizeof text);
     if (text)
         HeapFree(TextHeap, HEAP_NO_SERIALIZE, text);
 }

@@ -21,7 +21,8 @@ from desk.screen import lit_pixels  # noqa: E402
 from pe_file import PeFile  # noqa: E402
 
 BUILD = Path(os.environ.get("OSTRIK_BUILD", ROOT / "build"))
-SYSTEM_LIBRARIES = {"gdi32.dll", "kernel32.dll", "user32.dll", "winmm.dll", "msvcrt.dll"}
+SYSTEM_LIBRARIES = {"dsound.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "user32.dll",
+                    "winmm.dll"}
 
 
 def run_pack(*arguments, folder=None, **options):
