@@ -30,6 +30,7 @@ struct Row {
     Outcome outcome;
     void (*also)(LauncherStage&) = nullptr; // what else holds after the run
     const char* lastCall = nullptr;         // where it faults: the call just before
+    const char* otherLastCall = nullptr;    // the same on another version of the system
 };
 
 void startedNoMusic(LauncherStage& stage) {
@@ -94,7 +95,10 @@ constexpr auto noHandle = static_cast<int64_t>(-1); // INVALID_HANDLE_VALUE
 constexpr Row rows[] = {
     // The start: the desktop's window, and the libraries that are loaded at run time.
     {"HeapCreate", 1, 0, Outcome::fault, nullptr, "HeapAlloc(null, 8, 56)"},
-    {"HeapCreate", 2, 0, Outcome::fault, nullptr, "HeapReAlloc(null, 1, null, 20485)"},
+    // The platform documents no result for a null heap. The first call on it returns null in Wine
+    // 8, and faults in Wine 10.
+    {"HeapCreate", 2, 0, Outcome::fault, nullptr, "HeapReAlloc(null, 1, null, 20485)",
+     "HeapAlloc(null, 1, 16)"},
     {"HeapCreate", 3, 0, Outcome::fault, nullptr, "HeapAlloc(null, 8, 56)"}, // at the launch
     {"GetModuleHandleA", 1, 0, Outcome::goesOn},
     {"CoInitialize", 1, failed, Outcome::goesOn},
@@ -289,7 +293,8 @@ void expectFault(const Row& row) {
         stage.calls.before(row.call, row.use, [&stage] { stage.calls.echo(); });
         runThroughAll(stage, row);
     });
-    EXPECT_TRUE(child.diedOfMemoryFaultAfter(row.lastCall));
+    EXPECT_TRUE(child.diedOfMemoryFaultAfter(row.lastCall) ||
+                (row.otherLastCall && child.diedOfMemoryFaultAfter(row.otherLastCall)));
 }
 
 class FailureSweep : public testing::TestWithParam<Row> {};
