@@ -54,7 +54,7 @@ LooseBlock* oldestLoose(const ObjectRegistry* registry) {
     return block;
 }
 
-bool visitNumbers(const ObjectRegistry* registry, ObjectVisitor visit, void* user) {
+bool visitNumbers(ObjectRegistry* registry, ObjectVisitor visit, void* user) {
     // The capacity is read anew each time: a visit may make the table grow.
     for (ObjectId number = 0; number < registry->capacity; ++number) {
         void* record = numberedRecord(registry, number);
@@ -64,7 +64,7 @@ bool visitNumbers(const ObjectRegistry* registry, ObjectVisitor visit, void* use
     return true;
 }
 
-void visitLoose(const ObjectRegistry* registry, ObjectVisitor visit, void* user) {
+void visitLoose(ObjectRegistry* registry, ObjectVisitor visit, void* user) {
     LooseBlock* block = oldestLoose(registry);
     while (block) {
         LooseBlock* next = block->newer;
