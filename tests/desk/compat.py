@@ -40,6 +40,7 @@ class ScaledScreen:
         self._screen = screen
         self.left, self.top, self.width, self.height = fit(screen.size)
         block = numpy.gcd(MODE[1], self.height)
+        self._last = self._answer = None
         self._scale = coverage(MODE[1] // block, self.height // block)
         self._unscale = numpy.linalg.pinv(self._scale)
         with Image.open(ROOT / "assets" / "banner.bmp") as banner:
@@ -52,9 +53,13 @@ class ScaledScreen:
         return self._screen.pixels()
 
     def pixels(self):
+        """Scales back only what has changed since the last call: that takes half a second, and a
+        waiting test asks again and again."""
         raw = self.raw()
-        drawn = self._drawn(raw)
-        return drawn if self._shows_menu(drawn) else raw
+        if self._last is None or not numpy.array_equal(raw, self._last):
+            drawn = self._drawn(raw)
+            self._last, self._answer = raw, drawn if self._shows_menu(drawn) else raw
+        return self._answer
 
     def scaled(self, drawn):
         """The whole screen for a picture of the menu, as numbers with fractions."""

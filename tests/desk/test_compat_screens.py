@@ -9,8 +9,8 @@ import pytest
 
 from catalogue import INTRO_FILES
 from compat import OVERRIDE, ScaledScreen
-from desk.waiting import wait_until
 from desk.menu import INFO_ROW, ROWS_A_COLUMN, WINDOW_CLASS, highlighted_row
+from desk.waiting import wait_until
 from helpers import BUILD, Stall, Windows, launch, launch_and_leave, wait_report
 from yardstick import catalogue_page, info_page
 
@@ -132,4 +132,4 @@ def test_leaving_gives_the_screen_back(stage, helpers):
     stage.press("Escape")
     assert stage.program.wait_end() == 0
     assert not stage.staging_folder.exists()
-    assert not stage.desk.screen.raw()[:-16].any()
+    wait_until(lambda: not stage.desk.screen.raw()[:-16].any(), "the bare screen")
