@@ -12,12 +12,12 @@ struct DisabledWindowRec {
     HWND window;
 };
 
-inline LooseBlock* disabledWindows = nullptr; // null when no box stands
+inline LooseBlock* disabledWindows = nullptr; // null while no box is open
 
-// The foreground window if it belongs to this process, else null.
+// Returns the foreground window if it belongs to this process, otherwise null.
 HWND Desk_ForegroundParent();
 
-// Disables the calling thread's visible, enabled windows but for the foreground one, and gives back
-// just those.
+// Disables the calling thread's visible, enabled windows except the foreground one. The second
+// operation enables exactly those again.
 void Desk_DisableThreadWindows();
 void Desk_EnableThreadWindows();

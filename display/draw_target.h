@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <windows.h>
 
-// Where a target's device context comes from, and how Draw_End gives it back. Any other kind is a
+// Where a target's device context comes from, and how Draw_End releases it. Any other kind is a
 // context handed over to the pass, which deletes it.
-constexpr int32_t DrawTarget_Window = 1;  // taken from the window and given back to it
-constexpr int32_t DrawTarget_Context = 2; // the target's own; given back by its release routine
+constexpr int32_t DrawTarget_Window = 1;  // taken from the window and released to it
+constexpr int32_t DrawTarget_Context = 2; // the target's own; released by its release routine
 constexpr int32_t DrawTarget_Bits = 5;    // the same, taking images as device-independent bits only
 constexpr int32_t DrawTarget_Surface = 7; // a DirectDraw surface's; the same
 
@@ -15,7 +15,7 @@ using TargetRelease = void (*)();
 using TargetResume = HDC (*)();
 using TargetLock = void* (*)(int32_t* pitch);
 
-// Something drawable. Owned by whoever made it.
+// Something drawable. The code that made it owns it.
 struct DrawTarget {
     int32_t kind;
     HWND window; // DrawTarget_Window only
@@ -28,6 +28,6 @@ struct DrawTarget {
     int32_t height;
     int32_t depth;       // bits per pixel
     int32_t format;      // a PixelFormatCode
-    TargetResume resume; // gives the context back after pixel work
-    TargetLock lock;     // gives the context up for pixel work; null on failure
+    TargetResume resume; // returns the context after pixel work
+    TargetLock lock;     // releases the context for pixel work; null on failure
 };

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <windows.h>
 
-// Gives the back buffer's context or lock back, if there is one. Also the target's release routine.
+// Releases the back buffer's context or lock, if there is one. Also the target's release routine.
 void Screen_ReleaseTargetDc();
 
-// The target's resume routine: the context, taken anew after a lock. Null on failure.
+// Takes the context again after a lock: the target's resume routine. Returns null on failure.
 HDC Screen_ReacquireDc();
 
-// The target's lock routine: exchanges the context for the pixels' address. Null on failure.
+// Exchanges the context for the pixels' address: the target's lock routine. Returns null on failure.
 void* Screen_LockPixels(int32_t* pitch);

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 struct ImageDecoder {
-    int32_t (*check)(void* stream, const void* data, int64_t length); // gives a format code
+    int32_t (*check)(void* stream, const void* data, int64_t length); // returns a format code
     void (*decode)(void* pixels, int32_t pitch, int32_t reserved);    // rows from the top down
     int32_t (*width)();
     int32_t (*height)();

@@ -15,7 +15,7 @@ constexpr DWORD MouseEventLimit = 24;
 struct MouseDevice {
     int32_t started; // set-up ran, whether or not it succeeded
     IDirectInputDevice7A* device;
-    int32_t releasedByProgram; // 1 while the program has let go of the mouse
+    int32_t releasedByProgram; // 1 while the program has released the mouse
     int32_t cursorShown;       // 1 while the system cursor is visible, as far as is known here
     MouseAcquireState acquireState;
     int32_t mouseX; // screen pixels

@@ -122,7 +122,7 @@ float Sound_TimeAt(float clock) {
     if (!device.thread)
         return clock;
     const int64_t heard = countHeard();
-    if (heard != before) { // a device that stands still does not hold the picture
+    if (heard != before) { // a device that has stopped does not hold up the picture
         const float late = float(double(heard) / Tune_Rate) - clock - offset;
         offset += late > 0.1f || late < -0.1f ? late : 0.05f * late;
     }

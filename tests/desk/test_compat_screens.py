@@ -20,7 +20,7 @@ SCREENS = {"1280x1024": ((1280, 1024), False), "1920x1080 managed": ((1920, 1080
 
 @pytest.fixture(scope="module", params=SCREENS.values(), ids=SCREENS.keys())
 def stage(request, make_desk, helpers, tmp_path_factory):
-    """A desk with a menu on it that stands and whose probes are unpacked."""
+    """A desk with a running menu whose probes are unpacked."""
     size, managed = request.param
     desk = make_desk(screen_size=size, desktop_size=None)
     desk.environment["WINEDLLOVERRIDES"] += OVERRIDE
@@ -39,7 +39,7 @@ def stage(request, make_desk, helpers, tmp_path_factory):
 
 
 def start_manager(desk):
-    """Wine leaves its windows to a window manager only where it is told to."""
+    """Makes Wine leave its windows to a window manager, which headless settings prevent."""
     desk.ask("reg.exe", "add", r"HKCU\Software\Wine\X11 Driver", "/v", "Managed", "/d", "Y", "/f")
     manager = subprocess.Popen(["openbox", "--sm-disable"], env=desk.environment,
                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,

@@ -24,7 +24,7 @@ class Recording:
         return self._path.stat().st_size // FRAME_BYTES
 
     def wait_for(self, seconds):
-        """Waits until `seconds` more are written down and gives the place where they begin."""
+        """Waits until `seconds` more are recorded. Returns the frame at which they begin."""
         start = self.frames()
         wait_until(lambda: self.frames() >= start + seconds * RATE, f"{seconds} s of sound",
                    limit=seconds + 30)
