@@ -10,5 +10,6 @@ void Screen_ReleaseTargetDc();
 // Takes the context again after a lock: the target's resume routine. Returns null on failure.
 HDC Screen_ReacquireDc();
 
-// Exchanges the context for the pixels' address: the target's lock routine. Returns null on failure.
+// Exchanges the context for the pixels' address: the target's lock routine. Returns null on
+// failure.
 void* Screen_LockPixels(int32_t* pitch);
